@@ -1,0 +1,88 @@
+# Command line of `./tessary run`: checking it and turning the caller's paths into Windows paths. Sourced after
+# common.sh. Every function ends the script with status 2 when the argument is unusable.
+# shellcheck shell=bash
+
+# windows_path FILE: the name of FILE for programs of the target, in WINDOWS_PATH. The folder must exist. Drive Z: is
+# the root of the file system.
+windows_path() {
+    local folder
+    folder=$(cd -- "$(dirname -- "$1")" 2>/dev/null && pwd -P) ||
+        fail "$STATUS_USAGE" "the folder of $1 does not exist"
+    folder=${folder%/}/$(basename -- "$1")
+    case $folder in
+    *[\\\<\>:\"\|?*]*) fail "$STATUS_USAGE" "a Windows path cannot hold this name: $folder" ;;
+    esac
+    WINDOWS_PATH="Z:${folder//\//\\}"
+}
+
+readable_file() {
+    [[ -f $1 && -r $1 ]] || fail "$STATUS_USAGE" "there is no readable file $1"
+    windows_path "$1"
+}
+
+# output_file FILE EXTENSION...: a file that will be written.
+output_file() {
+    local file=$1 extension
+    shift
+    [ ! -d "$file" ] || fail "$STATUS_USAGE" "$file is a folder; a file name is needed"
+    for extension; do
+        if [[ ${file,,} == *"$extension" ]]; then
+            windows_path "$file"
+            return
+        fi
+    done
+    fail "$STATUS_USAGE" "$file: the name must end in ${*}"
+}
+
+# parse_run_option NAME [FILE]: one option, appended to HOST_ARGUMENTS.
+parse_run_option() {
+    case $1 in
+    --open | --answers | --save | --picture | --export)
+        [ $# -ge 2 ] || fail "$STATUS_USAGE" "$1 needs a file name"
+        ;;
+    *) fail "$STATUS_USAGE" "unknown option $1" "./tessary help lists the options" ;;
+    esac
+    case $1 in
+    --open | --answers) readable_file "$2" ;;
+    --save) output_file "$2" .dxf ;;
+    --picture) output_file "$2" .png .svg ;;
+    --export) output_file "$2" .stl .obj ;;
+    esac
+    HOST_ARGUMENTS+=("$1" "$WINDOWS_PATH")
+}
+
+# parse_run_arguments ARGUMENT...: fills HOST_ARGUMENTS, what drafthost.exe is given after the module: the options, then
+# the programs. Options may stand among the programs; after -- there are only programs.
+parse_run_arguments() {
+    local programs=() options=yes
+    HOST_ARGUMENTS=()
+    while [ $# -gt 0 ]; do
+        if [[ -n $options && $1 = -- ]]; then
+            options=
+            shift
+        elif [[ -n $options && $1 = -* ]]; then
+            parse_run_option "${@:1:2}"
+            shift 2
+        else
+            readable_file "$1"
+            programs+=("$WINDOWS_PATH")
+            shift
+        fi
+    done
+    if [ "${#programs[@]}" = 0 ] && [[ " ${HOST_ARGUMENTS[*]} " != *\ --@(save|picture|export)\ * ]]; then
+        fail "$STATUS_USAGE" "no program to run" "./tessary run [options] PROGRAM.lsp ..."
+    fi
+    HOST_ARGUMENTS+=("${programs[@]}")
+}
+
+# parse_repl_arguments ARGUMENT...: the same for `./tessary repl`, which only opens a drawing.
+parse_repl_arguments() {
+    HOST_ARGUMENTS=()
+    while [ $# -gt 0 ]; do
+        [[ $1 = --open && $# -ge 2 ]] ||
+            fail "$STATUS_USAGE" "unusable argument $1" "./tessary repl [--open FILE]"
+        readable_file "$2"
+        HOST_ARGUMENTS+=(--open "$WINDOWS_PATH")
+        shift 2
+    done
+}

@@ -1,0 +1,62 @@
+# Libraries that Debian has as source only, built for the target. Sourced after common.sh and versions.sh.
+# shellcheck shell=bash
+
+THIRD_PARTY="$BUILD/third_party"
+
+# private_apt COMMAND...: apt-get with package lists of its own in the build folder, which hold nothing but sources: the
+# system's configuration stays as it is, and no root is needed.
+private_apt() {
+    local apt="$THIRD_PARTY/apt" options=()
+    [ "$(id -u)" != 0 ] || options+=(-o APT::Sandbox::User=root)
+    apt-get "${options[@]}" \
+        -o Dir::Etc::SourceList="$apt/sources.list" -o Dir::Etc::SourceParts="$apt/none" \
+        -o Dir::State::Lists="$apt/lists" -o Dir::Cache="$apt/cache" "$@"
+}
+
+# Uses the archive that the system itself is installed from.
+prepare_private_apt() {
+    local apt="$THIRD_PARTY/apt" archive
+    # shellcheck disable=SC2016 # The names are apt's.
+    archive=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
+        awk '$2 == "bookworm" && $3 == "main" { print $1; exit }')
+    [ -n "$archive" ] ||
+        fail "$STATUS_SETUP" "no Debian 12 (bookworm) archive is configured; its source packages are needed" \
+            "add one to /etc/apt/sources.list"
+    mkdir -p "$apt/lists/partial" "$apt/cache/archives/partial" "$apt/none"
+    printf 'deb-src [signed-by=%s] %s bookworm main\n' \
+        /usr/share/keyrings/debian-archive-keyring.gpg "$archive" >"$apt/sources.list"
+    logged apt-sources-update private_apt update ||
+        fail "$STATUS_SETUP" "the list of source packages could not be fetched from $archive" \
+            "check the network connection, then try again"
+}
+
+# fetch_source NAME: unpacks the pinned version below build/third_party/NAME-source.
+fetch_source() {
+    local name=$1 version=${SOURCE_VERSIONS[$1]} folder="$THIRD_PARTY/$1-source"
+    prepare_private_apt
+    rm -rf "$folder"
+    mkdir -p "$folder"
+    (cd "$folder" && logged "fetch-$name" private_apt source --only-source "$name=$version") ||
+        fail "$STATUS_SETUP" "the source package $name $version could not be fetched" \
+            "check the network connection, then try again"
+}
+
+# ensure_benchmark: Google Benchmark in build/third_party/benchmark.
+ensure_benchmark() {
+    local version=${SOURCE_VERSIONS[benchmark]} install="$THIRD_PARTY/benchmark" work="$THIRD_PARTY/benchmark-build"
+    [ "$(cat "$install/version" 2>/dev/null)" != "$version" ] || return 0
+    say "[2/4] Google Benchmark $version for the target"
+    fetch_source benchmark
+    local sources=("$THIRD_PARTY"/benchmark-source/benchmark-*/)
+    rm -rf "$work" "$install"
+    # The source is no checkout, so its version is given.
+    logged configure-benchmark cmake -G Ninja -S "${sources[0]}" -B "$work" \
+        -DCMAKE_TOOLCHAIN_FILE="$TESSARY_ROOT/cmake/mingw-w64.cmake" -DCMAKE_BUILD_TYPE=Release \
+        -DCMAKE_INSTALL_PREFIX="$install" \
+        -DGIT_VERSION="${version%%-*}" \
+        -DBENCHMARK_ENABLE_TESTING=OFF -DBENCHMARK_ENABLE_WERROR=OFF -DBENCHMARK_INSTALL_DOCS=OFF ||
+        fail "$STATUS_SETUP" "Google Benchmark could not be configured" "remove build/third_party and try again"
+    logged build-benchmark cmake --build "$work" --target install ||
+        fail "$STATUS_SETUP" "Google Benchmark could not be built" "remove build/third_party and try again"
+    printf '%s\n' "$version" >"$install/version"
+}

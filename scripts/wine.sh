@@ -1,0 +1,23 @@
+#!/bin/sh
+# wine.sh PROGRAM.exe ARGUMENT...: runs a Windows program in the clone's own Wine prefix, without a display, and returns
+# its exit status. Used by hand, by ctest and by ./tessary. Nothing is written to the user's home: the home that Wine
+# sees lies in the prefix. A missing prefix is made first.
+#
+# wine.sh --server OPTION...: the Wine server of that prefix.
+root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
+export WINEPREFIX="${TESSARY_WINEPREFIX:-$root/build/wine}"
+export WINEARCH=win64
+export WINEDEBUG="${WINEDEBUG:--all}"
+export WINEDLLOVERRIDES='winemenubuilder.exe=d;mscoree=;mshtml='
+export HOME="$WINEPREFIX/home"
+unset DISPLAY WAYLAND_DISPLAY XAUTHORITY
+unset XDG_CACHE_HOME XDG_CONFIG_HOME XDG_CONFIG_DIRS XDG_DATA_HOME XDG_DESKTOP_DIR XDG_RUNTIME_DIR XDG_STATE_HOME
+
+if [ "${1-}" = --server ]; then
+    shift
+    exec wineserver "$@"
+fi
+if [ "${TESSARY_MAKING_PREFIX-}" != yes ] && ! [ -f "$WINEPREFIX/ready" ]; then
+    "$root/scripts/wine-prefix.sh" </dev/null >&2 || exit 3
+fi
+exec wine "$@"
