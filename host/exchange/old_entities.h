@@ -1,0 +1,15 @@
+#pragma once
+
+#include <vector>
+
+#include "host/database/dxf_group.h"
+
+namespace drafthost::exchange {
+
+// Entities of files before R13 have no subclass markers, which the files of today need. Sorts the groups of those kinds
+// that the host keeps without knowing them (POINT, SOLID, TRACE, 3DFACE, SHAPE, VIEWPORT, POLYLINE, VERTEX, DIMENSION)
+// below their markers. Entities with markers and those of other kinds are left alone.
+// groups: from group 0 on.
+void addSubclassMarkers(std::vector<DxfGroup>& groups);
+
+}  // namespace drafthost::exchange
