@@ -1,0 +1,83 @@
+#include "host/graphics/picture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cwctype>
+#include <filesystem>
+#include <fstream>
+
+#include "host/graphics/display_builder.h"
+
+namespace drafthost::graphics {
+
+namespace {
+
+constexpr double kMargin = 0.03;       // of the longest side, on each side
+constexpr int kLeastSide = 200;        // pixels, so that a long thin drawing still makes a picture
+constexpr double kHairline = 1.25;     // pixels
+constexpr double kHairlineWeight = 0.25;  // millimetres drawn as a hairline
+
+std::wstring lowerExtension(const std::filesystem::path& path) {
+    std::wstring extension = path.extension().wstring();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
+    return extension;
+}
+
+bool writeText(const std::filesystem::path& path, const std::string& text, std::wstring& problem) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file.write(text.data(), static_cast<std::streamsize>(text.size()));
+    file.close();
+    if (file) return true;
+    problem = L"the file could not be written";
+    return false;
+}
+
+}  // namespace
+
+double strokePixels(float weight) { return kHairline * std::max(1.0, weight / kHairlineWeight * 0.8); }
+
+PictureFrame fitPicture(const Bounds& given) {
+    Bounds bounds = given;
+    if (!bounds.valid) bounds.add({0, 0});
+    double width = bounds.maxX - bounds.minX, height = bounds.maxY - bounds.minY;
+    double longest = std::max(width, height);
+    if (!(longest > 0)) longest = 1;
+    const double border = longest * kMargin;
+    longest += 2 * border;
+    PictureFrame frame;
+    frame.scale = kPictureSize / longest;
+    const auto pixels = [&](double side) {
+        return std::clamp(static_cast<int>(std::ceil((side + 2 * border) * frame.scale)), kLeastSide, kPictureSize);
+    };
+    frame.width = pixels(width);
+    frame.height = pixels(height);
+    frame.topLeft = {(bounds.minX + bounds.maxX) / 2 - frame.width / frame.scale / 2,
+                     (bounds.minY + bounds.maxY) / 2 + frame.height / frame.scale / 2};
+    return frame;
+}
+
+bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::wstring& problem) {
+    const std::filesystem::path target(path);
+    const std::wstring extension = lowerExtension(target);
+    if (extension != L".png" && extension != L".svg") {
+        problem = L"pictures are written as .png or .svg";
+        return false;
+    }
+    const DisplayList list = buildDisplayList(database);
+    const PictureFrame frame = fitPicture(list.bounds());
+    std::filesystem::path temporary = target;
+    temporary += L".part";
+    const bool written = extension == L".png" ? writePng(list, frame, temporary.wstring(), problem)
+                                              : writeText(temporary, svgText(list, frame), problem);
+    std::error_code failed;
+    if (written) {
+        std::filesystem::rename(temporary, target, failed);
+        if (!failed) return true;
+        problem = L"the file could not be replaced";
+    }
+    std::filesystem::remove(temporary, failed);
+    return false;
+}
+
+}  // namespace drafthost::graphics

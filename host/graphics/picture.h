@@ -1,0 +1,37 @@
+#pragma once
+
+// Pictures of a drawing's model space in plan view, fitted with a margin.
+
+#include <string>
+
+#include "host/api/database.h"
+#include "host/graphics/display_list.h"
+
+namespace drafthost::graphics {
+
+// Writes a PNG or SVG, by the file's extension. The longest side has kPictureSize pixels. The file is written beside the
+// target and renamed over it, so that a failure leaves an existing picture. False: problem says why.
+bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::wstring& problem);
+
+constexpr int kPictureSize = 1600;
+
+// Maps plan coordinates to pixels from the top left corner.
+struct PictureFrame {
+    int width = 0, height = 0;  // pixels
+    double scale = 1;           // pixels for one drawing unit
+    AcGePoint2d topLeft;        // plan point at pixel (0, 0)
+    AcGePoint2d toPixel(const AcGePoint2d& p) const {
+        return {(p.x - topLeft.x) * scale, (topLeft.y - p.y) * scale};
+    }
+};
+// An empty or point-like drawing gets a frame of one unit around it.
+PictureFrame fitPicture(const Bounds& bounds);
+
+// Line width in pixels of a weight in millimetres: hairlines stay visible, heavy lines show their weight.
+double strokePixels(float weight);
+
+std::string svgText(const DisplayList& list, const PictureFrame& frame);
+// False: problem says why; a partly written file may be left for the caller to remove.
+bool writePng(const DisplayList& list, const PictureFrame& frame, const std::wstring& path, std::wstring& problem);
+
+}  // namespace drafthost::graphics
