@@ -1,0 +1,154 @@
+#include "host/editor/command_context.h"
+
+#include <algorithm>
+
+#include "host/api/symbol_tables.h"
+#include "host/database/database_impl.h"
+#include "host/database/names.h"
+#include "host/documents/host.h"
+#include "host/editor/coordinates.h"
+#include "host/editor/selection.h"
+#include "host/editor/typed_text.h"
+
+namespace drafthost::editor {
+
+CommandContext::Reply CommandContext::ask(InputRequest::Kind kind, const Question& question) {
+    InputRequest request;
+    request.kind = kind;
+    request.prompt = question.prompt;
+    request.control = question.control;
+    request.keywords = Keywords(question.keywords);
+    request.base = question.base;
+    document_.commandLine().freshLine();
+    const InputResult answer = document_.prompts().ask(std::move(request));
+    if (answer.status == RTCAN || answer.status == RTERROR) throw CommandCancelled();
+    Reply reply{.given = answer.status != RTNONE,
+                .keyword = {},
+                .point = answer.point,
+                .number = answer.number,
+                .integer = answer.integer,
+                .text = answer.text};
+    if (answer.status == RTKWORD || kind == InputRequest::Kind::Keyword) reply.keyword = answer.text;
+    return reply;
+}
+
+AcGePoint3d CommandContext::point(const wchar_t* prompt, std::optional<AcGePoint3d> base) {
+    const Reply reply = ask(InputRequest::Kind::Point, {.prompt = prompt, .base = base});
+    if (!reply.given) throw CommandCancelled();
+    return reply.point;
+}
+
+double CommandContext::distance(const wchar_t* prompt, std::optional<AcGePoint3d> base) {
+    const Reply reply = ask(InputRequest::Kind::Distance, {.prompt = prompt, .base = base});
+    if (!reply.given) throw CommandCancelled();
+    return reply.number;
+}
+
+double CommandContext::angle(const wchar_t* prompt, std::optional<AcGePoint3d> base) {
+    const Reply reply = ask(InputRequest::Kind::Angle, {.prompt = prompt, .base = base});
+    return reply.given ? reply.number : 0;
+}
+
+std::wstring CommandContext::keyword(const wchar_t* prompt, const wchar_t* keywords) {
+    return ask(InputRequest::Kind::Keyword, {.prompt = prompt, .keywords = keywords}).keyword;
+}
+
+std::wstring CommandContext::text(const wchar_t* prompt, bool allowBlanks) {
+    InputRequest request;
+    request.kind = InputRequest::Kind::Text;
+    request.prompt = prompt;
+    request.allowBlanks = allowBlanks;
+    document_.commandLine().freshLine();
+    const InputResult answer = document_.prompts().ask(std::move(request));
+    if (answer.status == RTCAN) throw CommandCancelled();
+    return answer.text;
+}
+
+std::vector<AcDbObjectId> CommandContext::selection() {
+    const SelectResult result = select(document_, {});
+    if (result.status != RTNORM) throw CommandCancelled();
+    return result.set->members();
+}
+
+void CommandContext::print(const std::wstring& text) {
+    if (!document_.source().showsPrompts()) return;
+    document_.commandLine().freshLine();
+    document_.commandLine().write(text + L"\n");
+}
+
+AcGeMatrix3d CommandContext::ucsToWorld() const { return editor::ucsToWorld(*document_.database()); }
+
+void CommandContext::add(std::unique_ptr<AcDbEntity> entity) {
+    AcDbDatabase& drawing = database();
+    const AcDbObjectId space = drawing.impl().currentSpace.isNull() ? drawing.modelSpaceId() : drawing.impl().currentSpace;
+    const AcDbObjectPointer<AcDbBlockTableRecord> block(space, AcDb::kForWrite);
+    if (!block) throw CommandCancelled();
+    if (entity->colorIndex() == 256) entity->setColorIndex(drawing.cecolor());
+    if (!drawing.celtype().isNull()) entity->setLinetype(drawing.celtype());
+    if (block->appendAcDbEntity(entity.get()) != Acad::eOk) throw CommandCancelled();
+    entity.release()->close();
+}
+
+void CommandContext::reportUnchanged(int locked, int failed) {
+    if (locked) print(std::to_wstring(locked) + (locked == 1 ? L" was" : L" were") + L" on a locked layer.");
+    if (failed) print(std::to_wstring(failed) + L" could not be changed.");
+}
+
+void CommandContext::transform(const std::vector<AcDbObjectId>& entities, const AcGeMatrix3d& matrix) {
+    int locked = 0, failed = 0;
+    for (const AcDbObjectId id : entities) {
+        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+        if (!entity) {
+            ++(entity.openStatus() == Acad::eOnLockedLayer ? locked : failed);
+        } else if (entity->transformBy(matrix) != Acad::eOk) {
+            ++failed;
+        }
+    }
+    reportUnchanged(locked, failed);
+}
+
+void CommandContext::copy(const std::vector<AcDbObjectId>& entities, const AcGeMatrix3d& matrix) {
+    int failed = 0;
+    for (const AcDbObjectId id : entities) {
+        std::unique_ptr<AcDbEntity> duplicate;
+        AcDbObjectId owner;
+        if (const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead); entity) {
+            owner = entity->ownerId();
+            duplicate.reset(AcDbEntity::cast(entity->clone()));
+        }
+        const AcDbObjectPointer<AcDbBlockTableRecord> block(owner, AcDb::kForWrite);
+        if (!duplicate || !block || duplicate->transformBy(matrix) != Acad::eOk ||
+            block->appendAcDbEntity(duplicate.get()) != Acad::eOk) {
+            ++failed;
+            continue;
+        }
+        duplicate.release()->close();
+    }
+    reportUnchanged(0, failed);
+}
+
+void CommandContext::erase(const std::vector<AcDbObjectId>& entities) {
+    int locked = 0, failed = 0;
+    for (const AcDbObjectId id : entities) {
+        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+        if (!entity) {
+            ++(entity.openStatus() == Acad::eOnLockedLayer ? locked : failed);
+        } else if (entity->erase() != Acad::eOk) {
+            ++failed;
+        }
+    }
+    reportUnchanged(locked, failed);
+}
+
+std::optional<int> colorIndex(std::wstring_view text) {
+    static constexpr const wchar_t* kNames[] = {L"BYBLOCK", L"RED",  L"YELLOW",  L"GREEN",
+                                                L"CYAN",    L"BLUE", L"MAGENTA", L"WHITE"};
+    const auto named = std::find_if(std::begin(kNames), std::end(kNames),
+                                    [&](const wchar_t* name) { return equalNames(text, name); });
+    if (named != std::end(kNames)) return static_cast<int>(named - std::begin(kNames));
+    if (equalNames(text, L"BYLAYER")) return 256;
+    const auto number = typedInteger(text);
+    return number && *number >= 0 && *number <= 256 ? number : std::nullopt;
+}
+
+}  // namespace drafthost::editor

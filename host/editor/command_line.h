@@ -1,0 +1,47 @@
+#pragma once
+
+// What the command line shows: text as UTF-8 to standard output, buffered, flushed before the host waits.
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "host/lisp/console.h"
+
+namespace drafthost::editor {
+
+class CommandLine final : public lisp::Console {
+  public:
+    // sink: takes the bytes. The default one is the process's standard output.
+    using Sink = std::function<void(std::string_view utf8)>;
+    CommandLine();
+    explicit CommandLine(Sink sink);
+    ~CommandLine() override;
+
+    void write(std::wstring_view text) override;
+    void flush() override;
+    // Ends a line that was begun.
+    void freshLine();
+    bool atLineStart() const { return atLineStart_; }
+    // Somebody else showed the end of a line: the drafter's Return in a terminal.
+    void lineEndedOutside() { atLineStart_ = true; }
+    // The text of the line being shown, for prompts that are put again.
+    bool muted() const { return muted_; }
+    // Nothing is shown while muted: commands run by programs with CMDECHO off.
+    void setMuted(bool muted) { muted_ = muted; }
+
+  private:
+    Sink sink_;
+    std::string buffer_;
+    wchar_t pendingSurrogate_ = 0;  // first half of a character whose second half is still to come
+    bool atLineStart_ = true;
+    bool muted_ = false;
+};
+
+// Text of a printf format with wide texts for %s, of any length.
+std::wstring formatted(const wchar_t* format, va_list arguments);
+
+// Diagnostics of the host itself: one line on standard error, behind all that was shown so far.
+void reportOnStandardError(const std::wstring& message);
+
+}  // namespace drafthost::editor

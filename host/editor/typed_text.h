@@ -1,0 +1,27 @@
+#pragma once
+
+// What a drafter types, understood: numbers, points, angles.
+
+#include <optional>
+#include <string_view>
+
+#include "host/api/geometry.h"
+
+namespace drafthost::editor {
+
+std::optional<double> typedReal(std::wstring_view text);
+std::optional<int> typedInteger(std::wstring_view text);
+
+// Degrees; with a suffix r radians, g grads, and degrees with minutes and seconds as 45d30'15". Answers radians.
+std::optional<double> typedAngle(std::wstring_view text);
+
+struct TypedPoint {
+    AcGePoint3d point;
+    int dimension = 3;
+};
+// "1,2", "1,2,3", "5<45", with a leading @ relative to the last point, with a leading * in world coordinates
+// (worldToUcs converts). A lone "@" is the last point itself.
+std::optional<TypedPoint> typedPoint(std::wstring_view text, const AcGePoint3d& lastPoint,
+                                     const AcGeMatrix3d& worldToUcs);
+
+}  // namespace drafthost::editor
