@@ -1,0 +1,9 @@
+#include "module/database/service_object.h"
+
+namespace tessary {
+
+void createServiceObject() {}
+
+void releaseServiceObject() {}
+
+}  // namespace tessary

@@ -1,0 +1,9 @@
+#include "module/leader/leader_class.h"
+
+namespace tessary {
+
+void registerLeaderClass() {}
+
+void removeLeaderClass() {}
+
+}  // namespace tessary
