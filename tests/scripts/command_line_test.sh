@@ -1,0 +1,40 @@
+#!/bin/bash
+# Unusable arguments of ./tessary end with status 2 before anything is set up, and say what is wrong.
+set -u
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 1
+touch program.lsp drawing.dxf
+mkdir folder.dxf
+failures=0
+
+# rejects MESSAGE ARGUMENT...
+rejects() {
+    local message=$1 said status
+    shift
+    said=$("$TESSARY_ROOT/tessary" "$@" 2>&1 >/dev/null)
+    status=$?
+    if [ "$status" != 2 ] || [[ $said != *"$message"* ]]; then
+        echo "tessary $*: status $status, expected 2 and \"$message\"; it said: $said"
+        failures=$((failures + 1))
+    fi
+}
+
+rejects './tessary VERB'
+rejects 'unknown verb draw' draw
+rejects 'no program to run' run
+rejects 'no program to run' run --open drawing.dxf
+rejects 'needs a file name' run program.lsp --save
+rejects 'unknown option --colour' run --colour red program.lsp
+rejects 'no readable file missing.lsp' run missing.lsp
+rejects 'no readable file missing.dxf' run --open missing.dxf program.lsp
+rejects 'no readable file -odd.lsp' run -- -odd.lsp
+rejects 'must end in .dxf' run --save drawing.dwg program.lsp
+rejects 'must end in .png .svg' run --picture drawing.gif program.lsp
+rejects 'must end in .stl .obj' run --export drawing.step program.lsp
+rejects 'is a folder' run --save folder.dxf program.lsp
+rejects 'folder of missing/a.png does not exist' run --picture missing/a.png program.lsp
+rejects 'takes no arguments' build everything
+rejects 'takes one filter' test one two
+rejects 'unusable argument --save' repl --save drawing.dxf
+exit "$((failures > 0))"
