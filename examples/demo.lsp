@@ -89,7 +89,7 @@
       (setvar "TEXTSIZE" (/ size 1.5))
       (setq text (AcDbMText::insert (join-lines (cons "{\\LMeasured by Tessary}" (reverse report))) corner
                                     (* size 22.0) "Standard" 1))
-      (entmod (append (entget text) '((8 . "TESSARY-REPORT"))))
+      (entmod (subst '(8 . "TESSARY-REPORT") (assoc 8 (entget text)) (entget text)))
       (setq width  (AcDbMText::actualWidth text)
             height (AcDbMText::actualHeight text))
       (princ (strcat "\nThe report is " (rtos width 2 2) " wide and " (rtos height 2 2)

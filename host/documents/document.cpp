@@ -30,7 +30,8 @@ Document::~Document() {
 }
 
 AcAp::DocLockMode Document::lockMode() const {
-    if (locks_ > 0) return AcAp::kWrite;
+    if (locks_ > 0)
+        return AcAp::kWrite;
     return evaluations_ > 0 ? AcAp::kAutoWrite : AcAp::kNotLocked;
 }
 
@@ -42,7 +43,8 @@ ModuleFunction* Document::findModuleFunction(Module* module, short number) {
 }
 
 ModuleFunction& Document::moduleFunction(Module* module, short number) {
-    if (ModuleFunction* known = findModuleFunction(module, number)) return *known;
+    if (ModuleFunction* known = findModuleFunction(module, number))
+        return *known;
     functions_.push_back(std::make_unique<ModuleFunction>());
     functions_.back()->module = module;
     functions_.back()->number = number;
@@ -51,30 +53,42 @@ ModuleFunction& Document::moduleFunction(Module* module, short number) {
 
 void Document::forgetModule(Module* module) {
     std::erase_if(functions_, [&](const auto& entry) {
-        if (entry->module != module) return false;
+        if (entry->module != module)
+            return false;
         interpreter_->undefineExternal(entry->name);
         return true;
     });
 }
 
-editor::InputSource& Document::source() { return commands_->source(); }
+editor::InputSource& Document::source() {
+    return commands_->source();
+}
 
-editor::CommandLine& Document::commandLine() { return host_.commandLine(); }
+editor::CommandLine& Document::commandLine() {
+    return host_.commandLine();
+}
 
-bool Document::stopped() const { return host_.runFailed() || host_.interrupted(); }
+bool Document::stopped() const {
+    return host_.runFailed() || host_.interrupted();
+}
 
-AcGeMatrix3d Document::worldToUcs() const { return editor::ucsToWorld(*database_).inverse(); }
+AcGeMatrix3d Document::worldToUcs() const {
+    return editor::ucsToWorld(*database_).inverse();
+}
 
-double Document::angleBase() const { return database_->impl().settings.header.real(L"$ANGBASE", 0); }
+double Document::angleBase() const {
+    return database_->impl().settings.header.real(L"$ANGBASE", 0);
+}
 
 std::optional<editor::Answer> Document::evaluateTyped(const std::wstring& text) {
     const std::wstring expression = text[0] == L'!' ? text.substr(1) : text;
     std::optional<editor::Answer> answer;
     commands_->runOnThread([&] {
         const lisp::Outcome outcome = interpreter_->evaluateTopLevel(expression);
-        if (outcome.succeeded) answer = editor::answerFromValue(outcome.value);
+        if (outcome.succeeded)
+            answer = editor::answerFromValue(outcome.value);
     });
     return answer;
 }
 
-}  // namespace drafthost
+} // namespace drafthost

@@ -2,9 +2,9 @@
 
 // One open drawing: its database, its LISP, its prompts, commands and system variables, and the locks on it.
 //
-// Who may write: the database is open for changes while a write lock is held (AcApDocManager::lockDocument), and while
-// LISP or a command runs in the document, because the host itself holds its lock for them. Functions of modules that
-// LISP calls run under the same lock; they count their own on top.
+// Who may write: the database is open for changes while a write lock is held (AcApDocManager::lockDocument),
+// and while LISP or a command runs in the document, because the host itself holds its lock for them.
+// Functions of modules that LISP calls run under the same lock; they count their own on top.
 
 #include <cstdint>
 #include <memory>
@@ -32,11 +32,11 @@ struct ModuleFunction {
     Module* module = nullptr;
     short number = 0;
     std::wstring name;
-    int (*function)() = nullptr;  // null: the module is sent kInvkSubrMsg
+    int (*function)() = nullptr; // null: the module is sent kInvkSubrMsg
 };
 
 class Document final : public AcApDocument, public editor::PromptSurroundings {
-  public:
+public:
     // name: full path of the drawing's file, or what a new one is called.
     Document(Host& host, std::unique_ptr<AcDbDatabase> database, std::wstring name);
     ~Document() override;
@@ -53,7 +53,9 @@ class Document final : public AcApDocument, public editor::PromptSurroundings {
     editor::CommandRunner& commands() { return *commands_; }
     editor::VariableStore& variables() { return variables_; }
     const std::shared_ptr<editor::SelectionSet>& previousSelection() const { return previousSelection_; }
-    void setPreviousSelection(std::shared_ptr<editor::SelectionSet> set) { previousSelection_ = std::move(set); }
+    void setPreviousSelection(std::shared_ptr<editor::SelectionSet> set) {
+        previousSelection_ = std::move(set);
+    }
     const std::shared_ptr<editor::SelectionSet>& pickFirst() const { return pickFirst_; }
     void setPickFirst(std::shared_ptr<editor::SelectionSet> set) { pickFirst_ = std::move(set); }
 
@@ -76,7 +78,7 @@ class Document final : public AcApDocument, public editor::PromptSurroundings {
     double angleBase() const override;
     std::optional<editor::Answer> evaluateTyped(const std::wstring& text) override;
 
-  private:
+private:
     friend class DocumentManager;
     friend class EvaluationScope;
 
@@ -90,20 +92,20 @@ class Document final : public AcApDocument, public editor::PromptSurroundings {
     std::vector<std::unique_ptr<ModuleFunction>> functions_;
     std::unique_ptr<lisp::Interpreter> interpreter_;
     std::unique_ptr<editor::CommandRunner> commands_;
-    int locks_ = 0;        // by lockDocument
-    int evaluations_ = 0;  // LISP or commands that are running
+    int locks_ = 0;       // by lockDocument
+    int evaluations_ = 0; // LISP or commands that are running
 };
 
 // While LISP or a command runs in a document.
 class EvaluationScope {
-  public:
+public:
     explicit EvaluationScope(Document& document) : document_(document) { ++document_.evaluations_; }
     ~EvaluationScope() { --document_.evaluations_; }
     EvaluationScope(const EvaluationScope&) = delete;
     EvaluationScope& operator=(const EvaluationScope&) = delete;
 
-  private:
+private:
     Document& document_;
 };
 
-}  // namespace drafthost
+} // namespace drafthost

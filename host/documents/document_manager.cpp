@@ -10,15 +10,16 @@ namespace drafthost {
 namespace {
 
 class Iterator final : public AcApDocumentIterator {
-  public:
+public:
     explicit Iterator(std::vector<AcApDocument*> documents) : documents_(std::move(documents)) {}
     bool done() const override { return position_ >= documents_.size(); }
     void step() override {
-        if (!done()) ++position_;
+        if (!done())
+            ++position_;
     }
     AcApDocument* document() override { return done() ? nullptr : documents_[position_]; }
 
-  private:
+private:
     std::vector<AcApDocument*> documents_;
     std::size_t position_ = 0;
 };
@@ -28,49 +29,56 @@ struct FreeText {
     ~FreeText() { acutDelString(text); }
 };
 
-}  // namespace
+} // namespace
 
 DocumentManager::~DocumentManager() = default;
 
 AcApDocumentIterator* DocumentManager::newAcApDocumentIterator() {
     std::vector<AcApDocument*> documents;
-    for (const auto& document : documents_) documents.push_back(document.get());
+    for (const auto& document : documents_)
+        documents.push_back(document.get());
     return new Iterator(std::move(documents));
 }
 
 Document* DocumentManager::find(const AcApDocument* document) const {
     for (const auto& open : documents_) {
-        if (open.get() == document) return open.get();
+        if (open.get() == document)
+            return open.get();
     }
     return nullptr;
 }
 
 Document* DocumentManager::find(const AcDbDatabase* database) const {
     for (const auto& open : documents_) {
-        if (open->database() == database) return open.get();
+        if (open->database() == database)
+            return open.get();
     }
     return nullptr;
 }
 
-Acad::ErrorStatus DocumentManager::lockDocument(AcApDocument* document, AcAp::DocLockMode, const ACHAR*, const ACHAR*,
-                                                bool) {
+Acad::ErrorStatus DocumentManager::lockDocument(AcApDocument* document, AcAp::DocLockMode, const ACHAR*,
+                                                const ACHAR*, bool) {
     Document* const open = find(document);
-    if (!open) return Acad::eNoDocument;
+    if (!open)
+        return Acad::eNoDocument;
     ++open->locks_;
     return Acad::eOk;
 }
 
 Acad::ErrorStatus DocumentManager::unlockDocument(AcApDocument* document) {
     Document* const open = find(document);
-    if (!open) return Acad::eNoDocument;
-    if (open->locks_ == 0) return Acad::eLockViolation;
+    if (!open)
+        return Acad::eNoDocument;
+    if (open->locks_ == 0)
+        return Acad::eLockViolation;
     --open->locks_;
     return Acad::eOk;
 }
 
 int DocumentManager::heldLocks() const {
     int locks = 0;
-    for (const auto& document : documents_) locks += document->locks();
+    for (const auto& document : documents_)
+        locks += document->locks();
     return locks;
 }
 
@@ -81,12 +89,14 @@ void DocumentManager::setCurrent(Document* document) {
 
 Document* DocumentManager::open(const std::wstring& path, std::wstring& problem) {
     auto database = std::make_unique<AcDbDatabase>(path.empty());
-    std::wstring name = path.empty() ? L"Drawing" + std::to_wstring(newDrawings_ + 1) + L".dxf" : fullPath(path);
+    std::wstring name =
+        path.empty() ? L"Drawing" + std::to_wstring(newDrawings_ + 1) + L".dxf" : fullPath(path);
     if (!path.empty()) {
         FreeText message;
         const Acad::ErrorStatus status = database->readDxfFile(name.c_str(), &message.text);
         if (status != Acad::eOk) {
-            problem = name + L": " + (message.text && *message.text ? message.text : acadErrorStatusText(status));
+            problem =
+                name + L": " + (message.text && *message.text ? message.text : acadErrorStatusText(status));
             return nullptr;
         }
     } else {
@@ -114,11 +124,14 @@ void DocumentManager::close(Document& document) {
 }
 
 void DocumentManager::closeAll() {
-    while (!documents_.empty()) close(*documents_.back());
+    while (!documents_.empty())
+        close(*documents_.back());
 }
 
-}  // namespace drafthost
+} // namespace drafthost
 
 AcApDocumentIterator::~AcApDocumentIterator() = default;
 
-AcApDocManager* acDocManagerPtr() { return &drafthost::theHost().documents(); }
+AcApDocManager* acDocManagerPtr() {
+    return &drafthost::theHost().documents();
+}

@@ -11,7 +11,7 @@
 namespace drafthost {
 
 class DocumentManager final : public AcApDocManager {
-  public:
+public:
     explicit DocumentManager(Host& host) : host_(host) {}
     ~DocumentManager() override;
 
@@ -38,7 +38,7 @@ class DocumentManager final : public AcApDocManager {
     // Locks held on all documents.
     int heldLocks() const;
 
-  private:
+private:
     Document* find(const AcApDocument* document) const;
 
     Host& host_;
@@ -47,4 +47,4 @@ class DocumentManager final : public AcApDocManager {
     int newDrawings_ = 0;
 };
 
-}  // namespace drafthost
+} // namespace drafthost

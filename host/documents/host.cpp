@@ -19,13 +19,15 @@ bool documentWritable(const AcDbDatabase* database) {
 }
 
 void argumentsReleased(const resbuf* list) {
-    if (instance()) instance()->calls().listReleased(list);
+    if (instance())
+        instance()->calls().listReleased(list);
 }
 
-}  // namespace
+} // namespace
 
 Host::Host()
-    : services_(*this), files_(services_), modules_(*this), calls_(*this), documents_(*this), messageBoxes_(*this) {
+    : services_(*this), files_(services_), modules_(*this), calls_(*this), documents_(*this),
+      messageBoxes_(*this) {
     setInput(nullptr);
     writeAllowed = documentWritable;
     valueListReleased = argumentsReleased;
@@ -37,7 +39,8 @@ Host::~Host() {
 }
 
 void Host::setInput(std::unique_ptr<editor::InputSource> source) {
-    if (!source) source = std::make_unique<editor::EmptySource>([this](const std::wstring& text) { warn(text); });
+    if (!source)
+        source = std::make_unique<editor::EmptySource>([this](const std::wstring& text) { warn(text); });
     input_ = std::move(source);
 }
 
@@ -47,32 +50,38 @@ void Host::warn(const std::wstring& message) {
 }
 
 void Host::log(const std::wstring& message) {
-    if (!verbose_) return;
+    if (!verbose_)
+        return;
     commandLine_.flush();
     editor::reportOnStandardError(message);
 }
 
 void Host::failRun(const std::wstring& reason) {
-    if (runFailed_) return;
+    if (runFailed_)
+        return;
     runFailed_ = true;
     commandLine_.freshLine();
     commandLine_.flush();
     editor::reportOnStandardError(reason);
-    for (const auto& document : documents_.all()) document->interpreter().requestCancel();
+    for (const auto& document : documents_.all())
+        document->interpreter().requestCancel();
 }
 
 void Host::interrupt() {
     interrupted_ = true;
-    for (const auto& document : documents_.all()) document->interpreter().requestCancel();
+    for (const auto& document : documents_.all())
+        document->interpreter().requestCancel();
 }
 
 Host& theHost() {
-    if (!instance()) instance() = std::make_unique<Host>();
+    if (!instance())
+        instance() = std::make_unique<Host>();
     return *instance();
 }
 
 void endHost() {
-    if (!instance()) return;
+    if (!instance())
+        return;
     // Modules call back into the host while they are told.
     instance()->documents().closeAll();
     instance()->modules().unloadAll();
@@ -80,4 +89,4 @@ void endHost() {
     instance().reset();
 }
 
-}  // namespace drafthost
+} // namespace drafthost

@@ -19,7 +19,7 @@
 namespace drafthost {
 
 class Host {
-  public:
+public:
     Host();
     ~Host();
     Host(const Host&) = delete;
@@ -41,7 +41,7 @@ class Host {
 
     // Diagnostics, on standard error.
     void warn(const std::wstring& message);
-    void log(const std::wstring& message);  // with --verbose only
+    void log(const std::wstring& message); // with --verbose only
     void setVerbose(bool verbose) { verbose_ = verbose; }
 
     // Ends the run: reports the reason, cancels what is running, and answers nothing from now on.
@@ -53,7 +53,7 @@ class Host {
     bool interrupted() const { return interrupted_; }
     void clearInterrupt() { interrupted_ = false; }
 
-  private:
+private:
     std::atomic<bool> interrupted_ = false;
     bool verbose_ = false;
     bool runFailed_ = false;
@@ -73,4 +73,4 @@ Host& theHost();
 // Closes all documents and unloads all modules.
 void endHost();
 
-}  // namespace drafthost
+} // namespace drafthost

@@ -15,10 +15,10 @@ namespace drafthost {
 class Host;
 
 class HostServices final : public AcDbHostApplicationServices {
-  public:
+public:
     explicit HostServices(Host& host) : host_(host) {}
-    Acad::ErrorStatus findFile(ACHAR* pathOut, int bufferLength, const ACHAR* fileName, AcDbDatabase* database,
-                               FindFileHint hint) override;
+    Acad::ErrorStatus findFile(ACHAR* pathOut, int bufferLength, const ACHAR* fileName,
+                               AcDbDatabase* database, FindFileHint hint) override;
     AcDbDatabase* workingDatabase() const override { return workingDatabase_; }
     void setWorkingDatabase(AcDbDatabase* database) override { workingDatabase_ = database; }
 
@@ -30,7 +30,7 @@ class HostServices final : public AcDbHostApplicationServices {
     std::wstring searchPath() const;
     void setSearchPath(std::wstring_view folders);
 
-  private:
+private:
     Host& host_;
     AcDbDatabase* workingDatabase_ = nullptr;
     std::vector<std::wstring> supportFolders_;
@@ -38,11 +38,11 @@ class HostServices final : public AcDbHostApplicationServices {
 
 // What LISP reads: programs are searched on the support path, other files are named from the current folder.
 class SupportFiles final : public lisp::FileAccess {
-  public:
+public:
     explicit SupportFiles(HostServices& services) : services_(services) {}
     std::optional<std::filesystem::path> resolveProgram(std::wstring_view name) override;
 
-  private:
+private:
     HostServices& services_;
 };
 
@@ -53,4 +53,4 @@ bool isFolder(const std::wstring& path);
 // Folder of a path, with the separator at its end; empty when it has none.
 std::wstring folderOf(std::wstring_view path);
 
-}  // namespace drafthost
+} // namespace drafthost

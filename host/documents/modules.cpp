@@ -18,9 +18,11 @@ std::wstring systemMessage(DWORD error) {
     FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
                    static_cast<DWORD>(std::size(text)), nullptr);
     std::wstring message = text;
-    while (!message.empty() && (message.back() < L' ' || message.back() == L'.')) message.pop_back();
+    while (!message.empty() && (message.back() < L' ' || message.back() == L'.'))
+        message.pop_back();
     // Some of the system's messages name the file themselves.
-    if (const std::size_t place = message.find(L"%1"); place != std::wstring::npos) message.replace(place, 2, L"the file");
+    if (const std::size_t place = message.find(L"%1"); place != std::wstring::npos)
+        message.replace(place, 2, L"the file");
     return message.empty() ? L"error " + std::to_wstring(error) : message;
 }
 
@@ -35,23 +37,29 @@ Function* exported(void* library, const char* name) {
     return reinterpret_cast<Function*>(GetProcAddress(static_cast<HMODULE>(library), name));
 }
 
-std::wstring fileNameOf(const std::wstring& path) { return path.substr(folderOf(path).size()); }
+std::wstring fileNameOf(const std::wstring& path) {
+    return path.substr(folderOf(path).size());
+}
 
-}  // namespace
+} // namespace
 
-std::wstring Module::fileName() const { return fileNameOf(path); }
+std::wstring Module::fileName() const {
+    return fileNameOf(path);
+}
 
 Module* Modules::findByName(const std::wstring& file) const {
     const std::wstring name = fileNameOf(file);
     for (const auto& module : modules_) {
-        if (equalNames(module->fileName(), name)) return module.get();
+        if (equalNames(module->fileName(), name))
+            return module.get();
     }
     return nullptr;
 }
 
 Module* Modules::find(const void* packet) const {
     for (const auto& module : modules_) {
-        if (module.get() == packet) return module.get();
+        if (module.get() == packet)
+            return module.get();
     }
     return nullptr;
 }
@@ -79,7 +87,8 @@ bool Modules::open(Module& module, std::wstring& message) {
 }
 
 bool Modules::load(const std::wstring& file, std::wstring& message) {
-    if (findByName(file)) return true;
+    if (findByName(file))
+        return true;
     const auto path = host_.services().find(file, host_.services().workingDatabase());
     if (!path) {
         message = file + L" was not found.";
@@ -89,7 +98,8 @@ bool Modules::load(const std::wstring& file, std::wstring& message) {
     Module* const module = owned.get();
     module->path = *path;
     if (!open(*module, message)) {
-        if (module->library) FreeLibrary(static_cast<HMODULE>(module->library));
+        if (module->library)
+            FreeLibrary(static_cast<HMODULE>(module->library));
         return false;
     }
     modules_.push_back(std::move(owned));
@@ -144,11 +154,13 @@ void Modules::unloadAll() {
 void Modules::documentOpened() {
     // A module that is loaded meanwhile has been told already.
     const std::size_t count = modules_.size();
-    for (std::size_t i = 0; i < count && i < modules_.size(); ++i) send(*modules_[i], AcRx::kLoadDwgMsg, nullptr);
+    for (std::size_t i = 0; i < count && i < modules_.size(); ++i)
+        send(*modules_[i], AcRx::kLoadDwgMsg, nullptr);
 }
 
 void Modules::documentCloses() {
-    for (std::size_t i = modules_.size(); i-- > 0;) send(*modules_[i], AcRx::kUnloadDwgMsg, nullptr);
+    for (std::size_t i = modules_.size(); i-- > 0;)
+        send(*modules_[i], AcRx::kUnloadDwgMsg, nullptr);
 }
 
 AcRx::AppRetCode Modules::send(Module& module, AcRx::AppMsgCode message, void* packet) {
@@ -165,15 +177,17 @@ AcRx::AppRetCode Modules::send(Module& module, AcRx::AppMsgCode message, void* p
     return AcRx::kRetError;
 }
 
-}  // namespace drafthost
+} // namespace drafthost
 
 using drafthost::theHost;
 
 bool acrxLoadModule(const ACHAR* fileName, bool printMessage, bool) {
-    if (!fileName) return false;
+    if (!fileName)
+        return false;
     std::wstring message;
     const bool loaded = theHost().modules().load(fileName, message);
-    if (!loaded && printMessage) theHost().commandLine().write(L"\n" + message + L"\n");
+    if (!loaded && printMessage)
+        theHost().commandLine().write(L"\n" + message + L"\n");
     return loaded;
 }
 
@@ -184,12 +198,14 @@ bool acrxUnloadModule(const ACHAR* fileName, bool) {
 
 bool acrxUnlockApplication(void* packet) {
     drafthost::Module* const module = theHost().modules().find(packet);
-    if (module) module->locked = false;
+    if (module)
+        module->locked = false;
     return module != nullptr;
 }
 
 bool acrxRegisterAppMDIAware(void* packet) {
     drafthost::Module* const module = theHost().modules().find(packet);
-    if (module) module->servesSeveralDocuments = true;
+    if (module)
+        module->servesSeveralDocuments = true;
     return module != nullptr;
 }

@@ -14,16 +14,16 @@ class Document;
 class Host;
 
 struct Module {
-    std::wstring path;  // full
+    std::wstring path; // full
     void* library = nullptr;
     AcrxEntryPoint* entryPoint = nullptr;
-    bool locked = true;  // the drafter may not unload it
+    bool locked = true; // the drafter may not unload it
     bool servesSeveralDocuments = false;
     std::wstring fileName() const;
 };
 
 class Modules {
-  public:
+public:
     explicit Modules(Host& host) : host_(host) {}
 
     // Loads from a full path, or a name on the search path, sends kInitAppMsg and, for every open document,
@@ -46,7 +46,7 @@ class Modules {
 
     // While code of a module runs.
     class RunScope {
-      public:
+    public:
         RunScope(Modules& modules, Module* module) : modules_(modules), before_(modules.running_) {
             modules_.running_ = module;
         }
@@ -54,12 +54,12 @@ class Modules {
         RunScope(const RunScope&) = delete;
         RunScope& operator=(const RunScope&) = delete;
 
-      private:
+    private:
         Modules& modules_;
         Module* before_;
     };
 
-  private:
+private:
     Module* findByName(const std::wstring& file) const;
     bool open(Module& module, std::wstring& message);
 
@@ -68,4 +68,4 @@ class Modules {
     Module* running_ = nullptr;
 };
 
-}  // namespace drafthost
+} // namespace drafthost

@@ -34,32 +34,40 @@ std::wstring counted(std::int64_t count, const wchar_t* one, const wchar_t* seve
 }
 
 BOOL WINAPI onConsoleEvent(DWORD event) {
-    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) return FALSE;
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT)
+        return FALSE;
     theHost().interrupt();
     return TRUE;
 }
 
 class Session {
-  public:
+public:
     explicit Session(const SessionOptions& options) : options_(options), host_(theHost()) {}
 
     int run() {
         host_.setVerbose(options_.verbose);
-        for (const std::wstring& folder : options_.supportFolders) host_.services().addSupportFolder(folder);
-        if (!prepareInput() || !openDrawing()) return kSessionFailed;
+        for (const std::wstring& folder : options_.supportFolders)
+            host_.services().addSupportFolder(folder);
+        if (!prepareInput() || !openDrawing())
+            return kSessionFailed;
         SetConsoleCtrlHandler(onConsoleEvent, TRUE);
-        if (!loadModules()) return kSessionFailed;
+        if (!loadModules())
+            return kSessionFailed;
         bool good = runPrograms();
-        if (good && options_.interactive) readInputs();
+        if (good && options_.interactive)
+            readInputs();
         good = good && !host_.runFailed();
         reportUnusedAnswers();
-        // A drawing is only written when everything before went well: an unfinished one must not replace a good one.
-        if (good) good = writeResults();
-        if (!good) return kSessionFailed;
+        // A drawing is only written when everything before went well: an unfinished one must not replace a
+        // good one.
+        if (good)
+            good = writeResults();
+        if (!good)
+            return kSessionFailed;
         return unbalanced_ ? kSessionUnbalanced : kSessionDone;
     }
 
-  private:
+private:
     bool fail(const std::wstring& message) {
         host_.commandLine().freshLine();
         host_.commandLine().flush();
@@ -68,16 +76,19 @@ class Session {
     }
 
     bool prepareInput() {
-        if (!options_.answers.empty()) return prepareAnswers();
+        if (!options_.answers.empty())
+            return prepareAnswers();
         if (options_.interactive) {
-            host_.setInput(std::make_unique<editor::TerminalInput>(lines_, host_.commandLine(), options_.echo));
+            host_.setInput(
+                std::make_unique<editor::TerminalInput>(lines_, host_.commandLine(), options_.echo));
         }
         return true;
     }
 
     bool prepareAnswers() {
         const auto text = host_.files().readText(fullPath(options_.answers));
-        if (!text) return fail(options_.answers + L" cannot be read.");
+        if (!text)
+            return fail(options_.answers + L" cannot be read.");
         const std::wstring name = options_.answers.substr(folderOf(options_.answers).size());
         editor::AnswersFileError problem;
         std::vector<editor::Answer> answers = editor::parseAnswers(*text, name, problem);
@@ -93,20 +104,24 @@ class Session {
     }
 
     void reportUnusedAnswers() {
-        const editor::Answer* const unused = drafter_ && !host_.runFailed() ? drafter_->firstUnused() : nullptr;
-        if (unused) host_.warn(L"nothing asked for the answers from " + unused->origin + L" on");
+        const editor::Answer* const unused =
+            drafter_ && !host_.runFailed() ? drafter_->firstUnused() : nullptr;
+        if (unused)
+            host_.warn(L"nothing asked for the answers from " + unused->origin + L" on");
     }
 
     bool openDrawing() {
         std::wstring problem;
-        if (host_.documents().open(options_.open, problem)) return true;
+        if (host_.documents().open(options_.open, problem))
+            return true;
         return fail(problem);
     }
 
     bool loadModules() {
         for (const std::wstring& file : options_.modules) {
             std::wstring message;
-            if (!host_.modules().load(file, message)) return fail(message);
+            if (!host_.modules().load(file, message))
+                return fail(message);
         }
         host_.commandLine().freshLine();
         return true;
@@ -131,13 +146,17 @@ class Session {
 
     void checkBalance(const Balance& before, const std::wstring& what) {
         const Balance after = Balance::now();
-        report(after.openObjects - before.openObjects, L" object left open by ", L" objects left open by ", what);
-        report(after.valueNodes - before.valueNodes, L" value list node left by ", L" value list nodes left by ", what);
+        report(after.openObjects - before.openObjects, L" object left open by ", L" objects left open by ",
+               what);
+        report(after.valueNodes - before.valueNodes, L" value list node left by ",
+               L" value list nodes left by ", what);
         report(after.locks - before.locks, L" document lock left by ", L" document locks left by ", what);
     }
 
-    void report(std::int64_t difference, const wchar_t* one, const wchar_t* several, const std::wstring& what) {
-        if (difference == 0) return;
+    void report(std::int64_t difference, const wchar_t* one, const wchar_t* several,
+                const std::wstring& what) {
+        if (difference == 0)
+            return;
         unbalanced_ = true;
         host_.commandLine().flush();
         editor::reportOnStandardError(L"internal: " + counted(difference, one, several) + what);
@@ -147,13 +166,14 @@ class Session {
         for (const std::wstring& program : options_.programs) {
             const auto path = host_.files().resolveProgram(program);
             const auto text = path ? host_.files().readText(*path) : std::nullopt;
-            if (!text) return fail(program + L" cannot be read.");
+            if (!text)
+                return fail(program + L" cannot be read.");
             const std::wstring name = path->filename().wstring();
-            const bool succeeded = evaluate(name, [&] {
-                return document().interpreter().evaluateTopLevel(*text, name).succeeded;
-            });
+            const bool succeeded = evaluate(
+                name, [&] { return document().interpreter().evaluateTopLevel(*text, name).succeeded; });
             host_.commandLine().freshLine();
-            if (!succeeded || host_.runFailed()) return false;
+            if (!succeeded || host_.runFailed())
+                return false;
         }
         return true;
     }
@@ -162,9 +182,10 @@ class Session {
 
     void readInputs() {
         while (!host_.runFailed()) {
-            host_.commandLine().freshLine();
+            host_.commandLine().ownFreshLine();
             const auto input = readInput();
-            if (!input) break;
+            if (!input)
+                break;
             take(*input);
         }
         host_.commandLine().freshLine();
@@ -174,9 +195,11 @@ class Session {
         host_.commandLine().write(prompt);
         host_.commandLine().flush();
         auto line = lines_.next();
-        if (line && options_.echo) host_.commandLine().write(*line + L"\n");
+        if (line && options_.echo)
+            host_.commandLine().write(*line + L"\n");
         // Without echo the drafter's own Return has ended the line.
-        if (line && !options_.echo) host_.commandLine().lineEndedOutside();
+        if (line && !options_.echo)
+            host_.commandLine().lineEndedOutside();
         return line;
     }
 
@@ -185,18 +208,22 @@ class Session {
     // One line, and for an unfinished expression those that finish it.
     std::optional<std::wstring> readInput() {
         auto input = readLine(L"Command: ");
-        if (!input) return std::nullopt;
+        if (!input)
+            return std::nullopt;
         input->erase(0, std::min(input->find_first_not_of(L" \t"), input->size()));
-        while (isExpression(*input) && lisp::Interpreter::inputState(*input) == lisp::InputState::incomplete) {
+        while (isExpression(*input) &&
+               lisp::Interpreter::inputState(*input) == lisp::InputState::incomplete) {
             const auto more = readLine(L"(_> ");
-            if (!more) break;
+            if (!more)
+                break;
             *input += L"\n" + *more;
         }
         return input;
     }
 
     void take(const std::wstring& input) {
-        if (input.empty()) return;
+        if (input.empty())
+            return;
         const std::wstring what = input.substr(0, 60);
         evaluate(what, [&] {
             if (isExpression(input)) {
@@ -213,9 +240,11 @@ class Session {
     // A function C:NAME wins over the host's own command.
     void takeCommand(const std::wstring& name) {
         const lisp::Value function = document().interpreter().findFunction(L"C:" + name);
-        if (function.isNil()) return document().commands().run(name);
+        if (function.isNil())
+            return document().commands().run(name);
         const lisp::Outcome outcome = document().interpreter().callTopLevel(function, {});
-        if (!outcome.succeeded || outcome.value == document().interpreter().nullSymbol()) return;
+        if (!outcome.succeeded || outcome.value == document().interpreter().nullSymbol())
+            return;
         host_.commandLine().freshLine();
         host_.commandLine().write(document().interpreter().prin1ToString(outcome.value) + L"\n");
     }
@@ -234,20 +263,22 @@ class Session {
         }
         for (const std::wstring& picture : options_.pictures) {
             std::wstring problem;
-            if (!graphics::writePicture(database, fullPath(picture), problem)) good = fail(problem);
+            if (!graphics::writePicture(database, fullPath(picture), problem))
+                good = fail(problem);
         }
-        if (!options_.exportFile.empty()) good = fail(L"--export: this version has no solids to export.");
+        if (!options_.exportFile.empty())
+            good = fail(L"--export: this version has no solids to export.");
         return good;
     }
 
     const SessionOptions& options_;
     Host& host_;
     editor::LineReader lines_;
-    editor::ScriptedDrafter* drafter_ = nullptr;  // owned by the host
+    editor::ScriptedDrafter* drafter_ = nullptr; // owned by the host
     bool unbalanced_ = false;
 };
 
-}  // namespace
+} // namespace
 
 int runSession(const SessionOptions& options) {
     int status = kSessionFailed;
@@ -259,7 +290,7 @@ int runSession(const SessionOptions& options) {
     return status;
 }
 
-}  // namespace drafthost
+} // namespace drafthost
 
 int drafthostMain(int argumentCount, wchar_t** arguments) {
     using namespace drafthost;

@@ -17,7 +17,8 @@ const wchar_t* const kUsage =
     L"  --support DIR     a folder to search for files; may be given several times\n"
     L"  --echo on|off     repl: prints what is read from standard input (off unless given)\n"
     L"  --verbose         reports message boxes and the like on standard error\n"
-    L"Exit status: 0 fine; 1 a program ended in an error or a file could not be read or written; 2 unusable arguments.\n";
+    L"Exit status: 0 fine; 1 a program ended in an error or a file could not be read or written; 2 unusable "
+    L"arguments.\n";
 
 namespace {
 
@@ -46,25 +47,30 @@ bool hasExtension(const std::wstring& path, std::initializer_list<const wchar_t*
 
 std::wstring checkTogether(const SessionOptions& options) {
     for (const std::wstring& picture : options.pictures) {
-        if (!hasExtension(picture, {L".png", L".svg"})) return L"--picture " + picture + L": the name must end in .png or .svg";
+        if (!hasExtension(picture, {L".png", L".svg"}))
+            return L"--picture " + picture + L": the name must end in .png or .svg";
     }
     if (!options.save.empty() && !hasExtension(options.save, {L".dxf"})) {
         return L"--save " + options.save + L": the name must end in .dxf";
     }
     const bool writes = !options.save.empty() || !options.pictures.empty() || !options.exportFile.empty();
-    if (!options.interactive && options.programs.empty() && !writes) return L"no program to run";
+    if (!options.interactive && options.programs.empty() && !writes)
+        return L"no program to run";
     return {};
 }
 
-}  // namespace
+} // namespace
 
-bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& options, std::wstring& problem) {
+bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& options,
+                    std::wstring& problem) {
     const auto fail = [&](std::wstring text) {
         problem = std::move(text);
         return false;
     };
-    if (arguments.empty()) return fail(L"run or repl is missing");
-    if (arguments[0] != L"run" && arguments[0] != L"repl") return fail(L"unknown verb " + arguments[0]);
+    if (arguments.empty())
+        return fail(L"run or repl is missing");
+    if (arguments[0] != L"run" && arguments[0] != L"repl")
+        return fail(L"unknown verb " + arguments[0]);
     options.interactive = arguments[0] == L"repl";
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         const std::wstring& argument = arguments[i];
@@ -78,19 +84,23 @@ bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& 
         }
         const bool last = i + 1 == arguments.size();
         if (argument == L"--echo") {
-            if (last || (arguments[i + 1] != L"on" && arguments[i + 1] != L"off")) return fail(L"--echo needs on or off");
+            if (last || (arguments[i + 1] != L"on" && arguments[i + 1] != L"off"))
+                return fail(L"--echo needs on or off");
             options.echo = arguments[++i] == L"on";
             continue;
         }
         const auto option = std::find_if(std::begin(kFileOptions), std::end(kFileOptions),
                                          [&](const FileOption& row) { return argument == row.name; });
-        if (option == std::end(kFileOptions)) return fail(L"unknown option " + argument);
-        if (last || arguments[i + 1].empty()) return fail(argument + L" needs a name");
+        if (option == std::end(kFileOptions))
+            return fail(L"unknown option " + argument);
+        if (last || arguments[i + 1].empty())
+            return fail(argument + L" needs a name");
         const std::wstring& value = arguments[++i];
         if (option->several) {
             (options.*option->several).push_back(value);
         } else {
-            if (!(options.*option->one).empty()) return fail(argument + L" was given twice");
+            if (!(options.*option->one).empty())
+                return fail(argument + L" was given twice");
             options.*option->one = value;
         }
     }
@@ -98,4 +108,4 @@ bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& 
     return problem.empty();
 }
 
-}  // namespace drafthost
+} // namespace drafthost

@@ -14,18 +14,20 @@ using Kind = Answer::Kind;
 
 // One line behind its action's name: takes words from the front.
 class Words {
-  public:
+public:
     explicit Words(std::wstring_view rest) : rest_(rest) { skipBlanks(); }
 
     bool empty() const { return rest_.empty(); }
     std::wstring all() {
         std::wstring text(rest_);
-        while (!text.empty() && std::iswspace(text.back())) text.pop_back();
+        while (!text.empty() && std::iswspace(text.back()))
+            text.pop_back();
         rest_ = {};
         return text;
     }
     std::wstring word() {
-        const auto end = std::find_if(rest_.begin(), rest_.end(), [](wchar_t c) { return std::iswspace(c) != 0; });
+        const auto end =
+            std::find_if(rest_.begin(), rest_.end(), [](wchar_t c) { return std::iswspace(c) != 0; });
         std::wstring text(rest_.begin(), end);
         rest_.remove_prefix(text.size());
         skipBlanks();
@@ -35,7 +37,8 @@ class Words {
         const std::wstring text = word();
         wchar_t* end = nullptr;
         const double value = std::wcstod(text.c_str(), &end);
-        if (text.empty() || *end != 0 || !std::isfinite(value)) return std::nullopt;
+        if (text.empty() || *end != 0 || !std::isfinite(value))
+            return std::nullopt;
         return value;
     }
     std::optional<int> integer() {
@@ -43,19 +46,22 @@ class Words {
         wchar_t* end = nullptr;
         errno = 0;
         const long value = std::wcstol(text.c_str(), &end, 10);
-        if (text.empty() || *end != 0 || errno != 0) return std::nullopt;
+        if (text.empty() || *end != 0 || errno != 0)
+            return std::nullopt;
         return static_cast<int>(value);
     }
     // "#123"
     std::optional<int> control() {
-        if (rest_.size() < 2 || rest_.front() != L'#') return std::nullopt;
+        if (rest_.size() < 2 || rest_.front() != L'#')
+            return std::nullopt;
         rest_.remove_prefix(1);
         return integer();
     }
 
-  private:
+private:
     void skipBlanks() {
-        while (!rest_.empty() && std::iswspace(rest_.front())) rest_.remove_prefix(1);
+        while (!rest_.empty() && std::iswspace(rest_.front()))
+            rest_.remove_prefix(1);
     }
     std::wstring_view rest_;
 };
@@ -63,7 +69,8 @@ class Words {
 bool readPoint(Words& words, AcGePoint3d& point) {
     const auto x = words.real();
     const auto y = words.real();
-    if (!x || !y) return false;
+    if (!x || !y)
+        return false;
     point = {*x, *y, 0};
     return true;
 }
@@ -74,10 +81,13 @@ bool readPoint2(Words& words, Answer& answer) {
 }
 
 bool readPoint3(Words& words, Answer& answer) {
-    if (!readPoint2(words, answer)) return false;
-    if (words.empty()) return true;
+    if (!readPoint2(words, answer))
+        return false;
+    if (words.empty())
+        return true;
     const auto z = words.real();
-    if (!z) return false;
+    if (!z)
+        return false;
     answer.point.z = *z;
     answer.dimension = 3;
     return true;
@@ -115,7 +125,9 @@ bool readKeyword(Words& words, Answer& answer) {
     return !answer.text.empty();
 }
 
-bool readNothing(Words&, Answer&) { return true; }
+bool readNothing(Words&, Answer&) {
+    return true;
+}
 
 bool readControl(Words& words, Answer& answer) {
     const auto control = words.control();
@@ -124,29 +136,35 @@ bool readControl(Words& words, Answer& answer) {
 }
 
 bool readButton(Words& words, Answer& answer) {
-    if (readControl(words, answer)) return true;
+    if (readControl(words, answer))
+        return true;
     answer.text = words.all();
     return !answer.text.empty() && answer.text[0] != L'#';
 }
 
-bool readControlText(Words& words, Answer& answer) { return readControl(words, answer) && readText(words, answer); }
+bool readControlText(Words& words, Answer& answer) {
+    return readControl(words, answer) && readText(words, answer);
+}
 
 bool readCheck(Words& words, Answer& answer) {
-    if (!readControl(words, answer)) return false;
+    if (!readControl(words, answer))
+        return false;
     const std::wstring state = words.word();
     answer.on = state == L"on";
     return answer.on || state == L"off";
 }
 
 bool readRow(Words& words, Answer& answer) {
-    if (!readControl(words, answer)) return false;
+    if (!readControl(words, answer))
+        return false;
     const auto row = words.integer();
     answer.row = row.value_or(0);
     return row.has_value();
 }
 
 bool readCell(Words& words, Answer& answer) {
-    if (!readRow(words, answer)) return false;
+    if (!readRow(words, answer))
+        return false;
     const auto column = words.integer();
     answer.column = column.value_or(0);
     return column.has_value() && readText(words, answer);
@@ -194,23 +212,28 @@ std::wstring parseLine(std::wstring_view line, Answer& answer) {
     const std::wstring name = words.word();
     const auto action = std::find_if(std::begin(kActions), std::end(kActions),
                                      [&](const Action& row) { return name == row.name; });
-    if (action == std::end(kActions)) return L"there is no action \"" + name + L"\"";
+    if (action == std::end(kActions))
+        return L"there is no action \"" + name + L"\"";
     answer.kind = action->kind;
-    if (!action->read(words, answer) || !words.empty()) return std::wstring(L"the action is written: ") + action->usage;
+    if (!action->read(words, answer) || !words.empty())
+        return std::wstring(L"the action is written: ") + action->usage;
     return {};
 }
 
-}  // namespace
+} // namespace
 
-std::vector<Answer> parseAnswers(std::wstring_view text, const std::wstring& name, AnswersFileError& problem) {
+std::vector<Answer> parseAnswers(std::wstring_view text, const std::wstring& name,
+                                 AnswersFileError& problem) {
     std::vector<Answer> actions;
-    if (text.starts_with(L'\xFEFF')) text.remove_prefix(1);
+    if (text.starts_with(L'\xFEFF'))
+        text.remove_prefix(1);
     std::wistringstream lines{std::wstring(text)};
     int number = 0;
     for (std::wstring line; std::getline(lines, line);) {
         ++number;
         const std::size_t first = line.find_first_not_of(L" \t\r");
-        if (first == std::wstring::npos || line[first] == L'#') continue;
+        if (first == std::wstring::npos || line[first] == L'#')
+            continue;
         Answer answer;
         answer.origin = name + L" line " + std::to_wstring(number);
         const std::wstring complaint = parseLine(line, answer);
@@ -229,8 +252,10 @@ ScriptedDrafter::ScriptedDrafter(std::vector<Answer> actions, std::wstring name,
     : actions_(std::move(actions)), name_(std::move(name)), warn_(std::move(warn)), fail_(std::move(fail)) {}
 
 Answer ScriptedDrafter::take(const std::wstring& waitedFor) {
-    if (position_ < actions_.size()) return actions_[position_++];
-    if (!warned_) warn_(name_ + L" is used up: the host waits for " + waitedFor + L" and gets an empty response");
+    if (position_ < actions_.size())
+        return actions_[position_++];
+    if (!warned_)
+        warn_(name_ + L" is used up: the host waits for " + waitedFor + L" and gets an empty response");
     warned_ = true;
     return Answer::of(Kind::Exhausted);
 }
@@ -245,16 +270,19 @@ Answer ScriptedDrafter::nextForBox(const BoxRequest& box) {
     return take(L"a button of \"" + box.caption + L"\"");
 }
 
-bool ScriptedDrafter::refuse(const Answer& answer, const std::wstring& waitedFor, const std::wstring& complaint) {
+bool ScriptedDrafter::refuse(const Answer& answer, const std::wstring& waitedFor,
+                             const std::wstring& complaint) {
     const Action* action = actionOf(answer.kind);
     std::wstring message = answer.origin + L": ";
     message += action ? L"the action \"" + std::wstring(action->name) + L"\"" : L"the answer";
-    message += isForDialog(answer.kind) && !dialogWaits_ ? L" needs a dialog, and no dialog is waiting: the host waits for "
-                                                         : L" does not fit: the host waits for ";
+    message += isForDialog(answer.kind) && !dialogWaits_
+                   ? L" needs a dialog, and no dialog is waiting: the host waits for "
+                   : L" does not fit: the host waits for ";
     message += waitedFor;
-    if (!complaint.empty()) message += L" (" + complaint + L")";
+    if (!complaint.empty())
+        message += L" (" + complaint + L")";
     fail_(message);
     return false;
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

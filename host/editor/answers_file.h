@@ -21,9 +21,10 @@ struct AnswersFileError {
 std::vector<Answer> parseAnswers(std::wstring_view text, const std::wstring& name, AnswersFileError& problem);
 
 class ScriptedDrafter final : public InputSource {
-  public:
+public:
     // warn: prints on standard error. fail: ends the run, with the reason.
-    ScriptedDrafter(std::vector<Answer> actions, std::wstring name, std::function<void(const std::wstring&)> warn,
+    ScriptedDrafter(std::vector<Answer> actions, std::wstring name,
+                    std::function<void(const std::wstring&)> warn,
                     std::function<void(const std::wstring&)> fail);
     Answer next(const InputRequest& request) override;
     Answer nextForBox(const BoxRequest& box) override;
@@ -31,7 +32,7 @@ class ScriptedDrafter final : public InputSource {
     // The first action that nobody asked for; null when all were used.
     const Answer* firstUnused() const { return position_ < actions_.size() ? &actions_[position_] : nullptr; }
 
-  private:
+private:
     Answer take(const std::wstring& waitedFor);
 
     std::vector<Answer> actions_;
@@ -39,7 +40,7 @@ class ScriptedDrafter final : public InputSource {
     std::function<void(const std::wstring&)> warn_, fail_;
     std::size_t position_ = 0;
     bool warned_ = false;
-    bool dialogWaits_ = false;  // for the answer taken last
+    bool dialogWaits_ = false; // for the answer taken last
 };
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -21,26 +21,30 @@ CommandContext::Reply CommandContext::ask(InputRequest::Kind kind, const Questio
     request.base = question.base;
     document_.commandLine().freshLine();
     const InputResult answer = document_.prompts().ask(std::move(request));
-    if (answer.status == RTCAN || answer.status == RTERROR) throw CommandCancelled();
+    if (answer.status == RTCAN || answer.status == RTERROR)
+        throw CommandCancelled();
     Reply reply{.given = answer.status != RTNONE,
                 .keyword = {},
                 .point = answer.point,
                 .number = answer.number,
                 .integer = answer.integer,
                 .text = answer.text};
-    if (answer.status == RTKWORD || kind == InputRequest::Kind::Keyword) reply.keyword = answer.text;
+    if (answer.status == RTKWORD || kind == InputRequest::Kind::Keyword)
+        reply.keyword = answer.text;
     return reply;
 }
 
 AcGePoint3d CommandContext::point(const wchar_t* prompt, std::optional<AcGePoint3d> base) {
     const Reply reply = ask(InputRequest::Kind::Point, {.prompt = prompt, .base = base});
-    if (!reply.given) throw CommandCancelled();
+    if (!reply.given)
+        throw CommandCancelled();
     return reply.point;
 }
 
 double CommandContext::distance(const wchar_t* prompt, std::optional<AcGePoint3d> base) {
     const Reply reply = ask(InputRequest::Kind::Distance, {.prompt = prompt, .base = base});
-    if (!reply.given) throw CommandCancelled();
+    if (!reply.given)
+        throw CommandCancelled();
     return reply.number;
 }
 
@@ -60,38 +64,50 @@ std::wstring CommandContext::text(const wchar_t* prompt, bool allowBlanks) {
     request.allowBlanks = allowBlanks;
     document_.commandLine().freshLine();
     const InputResult answer = document_.prompts().ask(std::move(request));
-    if (answer.status == RTCAN) throw CommandCancelled();
+    if (answer.status == RTCAN)
+        throw CommandCancelled();
     return answer.text;
 }
 
 std::vector<AcDbObjectId> CommandContext::selection() {
     const SelectResult result = select(document_, {});
-    if (result.status != RTNORM) throw CommandCancelled();
+    if (result.status != RTNORM)
+        throw CommandCancelled();
     return result.set->members();
 }
 
 void CommandContext::print(const std::wstring& text) {
-    if (!document_.source().showsPrompts()) return;
+    if (!document_.source().showsPrompts())
+        return;
     document_.commandLine().freshLine();
     document_.commandLine().write(text + L"\n");
 }
 
-AcGeMatrix3d CommandContext::ucsToWorld() const { return editor::ucsToWorld(*document_.database()); }
+AcGeMatrix3d CommandContext::ucsToWorld() const {
+    return editor::ucsToWorld(*document_.database());
+}
 
 void CommandContext::add(std::unique_ptr<AcDbEntity> entity) {
     AcDbDatabase& drawing = database();
-    const AcDbObjectId space = drawing.impl().currentSpace.isNull() ? drawing.modelSpaceId() : drawing.impl().currentSpace;
+    const AcDbObjectId space =
+        drawing.impl().currentSpace.isNull() ? drawing.modelSpaceId() : drawing.impl().currentSpace;
     const AcDbObjectPointer<AcDbBlockTableRecord> block(space, AcDb::kForWrite);
-    if (!block) throw CommandCancelled();
-    if (entity->colorIndex() == 256) entity->setColorIndex(drawing.cecolor());
-    if (!drawing.celtype().isNull()) entity->setLinetype(drawing.celtype());
-    if (block->appendAcDbEntity(entity.get()) != Acad::eOk) throw CommandCancelled();
+    if (!block)
+        throw CommandCancelled();
+    if (entity->colorIndex() == 256)
+        entity->setColorIndex(drawing.cecolor());
+    if (!drawing.celtype().isNull())
+        entity->setLinetype(drawing.celtype());
+    if (block->appendAcDbEntity(entity.get()) != Acad::eOk)
+        throw CommandCancelled();
     entity.release()->close();
 }
 
 void CommandContext::reportUnchanged(int locked, int failed) {
-    if (locked) print(std::to_wstring(locked) + (locked == 1 ? L" was" : L" were") + L" on a locked layer.");
-    if (failed) print(std::to_wstring(failed) + L" could not be changed.");
+    if (locked)
+        print(std::to_wstring(locked) + (locked == 1 ? L" was" : L" were") + L" on a locked layer.");
+    if (failed)
+        print(std::to_wstring(failed) + L" could not be changed.");
 }
 
 void CommandContext::transform(const std::vector<AcDbObjectId>& entities, const AcGeMatrix3d& matrix) {
@@ -145,10 +161,12 @@ std::optional<int> colorIndex(std::wstring_view text) {
                                                 L"CYAN",    L"BLUE", L"MAGENTA", L"WHITE"};
     const auto named = std::find_if(std::begin(kNames), std::end(kNames),
                                     [&](const wchar_t* name) { return equalNames(text, name); });
-    if (named != std::end(kNames)) return static_cast<int>(named - std::begin(kNames));
-    if (equalNames(text, L"BYLAYER")) return 256;
+    if (named != std::end(kNames))
+        return static_cast<int>(named - std::begin(kNames));
+    if (equalNames(text, L"BYLAYER"))
+        return 256;
     const auto number = typedInteger(text);
     return number && *number >= 0 && *number <= 256 ? number : std::nullopt;
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

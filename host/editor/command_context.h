@@ -1,7 +1,7 @@
 #pragma once
 
-// What a command asks the drafter for, and the ways it changes the drawing. Every question ends the command when the
-// drafter cancels.
+// What a command asks the drafter for, and the ways it changes the drawing. Every question ends the command
+// when the drafter cancels.
 
 #include <memory>
 #include <optional>
@@ -17,13 +17,13 @@ namespace drafthost::editor {
 struct CommandCancelled {};
 
 class CommandContext {
-  public:
+public:
     CommandContext(Document& document, std::wstring name) : document_(document), name_(std::move(name)) {}
 
     struct Reply {
-        bool given = false;    // false: an empty response
-        std::wstring keyword;  // empty: a value
-        AcGePoint3d point;     // UCS
+        bool given = false;   // false: an empty response
+        std::wstring keyword; // empty: a value
+        AcGePoint3d point;    // UCS
         double number = 0;
         int integer = 0;
         std::wstring text;
@@ -39,9 +39,9 @@ class CommandContext {
     AcGePoint3d point(const wchar_t* prompt, std::optional<AcGePoint3d> base = std::nullopt);
     double distance(const wchar_t* prompt, std::optional<AcGePoint3d> base = std::nullopt);
     double angle(const wchar_t* prompt, std::optional<AcGePoint3d> base = std::nullopt);
-    std::wstring keyword(const wchar_t* prompt, const wchar_t* keywords);  // empty: an empty response
+    std::wstring keyword(const wchar_t* prompt, const wchar_t* keywords); // empty: an empty response
     std::wstring text(const wchar_t* prompt, bool allowBlanks = false);
-    std::vector<AcDbObjectId> selection();  // ends the command when nothing is selected
+    std::vector<AcDbObjectId> selection(); // ends the command when nothing is selected
 
     void print(const std::wstring& text);
     AcGeMatrix3d ucsToWorld() const;
@@ -58,7 +58,7 @@ class CommandContext {
     AcDbDatabase& database() { return *document_.database(); }
     const std::wstring& name() const { return name_; }
 
-  private:
+private:
     void reportUnchanged(int locked, int failed);
 
     Document& document_;
@@ -68,4 +68,4 @@ class CommandContext {
 // "red" or "1" to an index, 0 by block, 256 by layer; nothing for another text.
 std::optional<int> colorIndex(std::wstring_view text);
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

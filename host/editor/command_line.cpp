@@ -17,21 +17,28 @@ void writeHandle(DWORD handle, std::string_view bytes) {
     const HANDLE file = GetStdHandle(handle);
     while (!bytes.empty()) {
         DWORD written = 0;
-        if (!WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) || written == 0) return;
+        if (!WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) ||
+            written == 0)
+            return;
         bytes.remove_prefix(written);
     }
 }
 
-}  // namespace
+} // namespace
 
-CommandLine::CommandLine() : CommandLine([](std::string_view bytes) { writeHandle(STD_OUTPUT_HANDLE, bytes); }) {}
+CommandLine::CommandLine()
+    : CommandLine([](std::string_view bytes) { writeHandle(STD_OUTPUT_HANDLE, bytes); }) {}
 
 CommandLine::CommandLine(Sink sink) : sink_(std::move(sink)) {}
 
-CommandLine::~CommandLine() { flush(); }
+CommandLine::~CommandLine() {
+    flush();
+}
 
 void CommandLine::write(std::wstring_view text) {
-    if (text.empty() || muted_) return;
+    if (text.empty())
+        return;
+    endedOutside_ = false;
     atLineStart_ = text.back() == L'\n';
     std::wstring joined;
     if (pendingSurrogate_) {
@@ -44,17 +51,25 @@ void CommandLine::write(std::wstring_view text) {
         text.remove_suffix(1);
     }
     buffer_ += lisp::toUtf8(text);
-    if (buffer_.size() > kBufferSize) flush();
+    if (buffer_.size() > kBufferSize)
+        flush();
 }
 
 void CommandLine::flush() {
-    if (buffer_.empty()) return;
+    if (buffer_.empty())
+        return;
     sink_(buffer_);
     buffer_.clear();
 }
 
 void CommandLine::freshLine() {
-    if (!atLineStart_) write(L"\n");
+    if (!atLineStart_)
+        write(L"\n");
+}
+
+void CommandLine::ownFreshLine() {
+    if (!atLineStart_ || endedOutside_)
+        write(L"\n");
 }
 
 std::wstring formatted(const wchar_t* format, va_list arguments) {
@@ -63,7 +78,8 @@ std::wstring formatted(const wchar_t* format, va_list arguments) {
     for (std::wstring text(512, L'\0'); text.size() <= kLargest; text.resize(text.size() * 4)) {
         va_list again;
         va_copy(again, arguments);
-        const int length = std::vswprintf(text.data(), text.size(), format, again);
+        // The platform's own: %s is a wide text there, while the compiler's C library takes it as bytes.
+        const int length = _vsnwprintf(text.data(), text.size(), format, again);
         va_end(again);
         if (length >= 0 && static_cast<std::size_t>(length) < text.size()) {
             text.resize(static_cast<std::size_t>(length));
@@ -77,4 +93,4 @@ void reportOnStandardError(const std::wstring& message) {
     writeHandle(STD_ERROR_HANDLE, lisp::toUtf8(L"drafthost: " + message + L"\n"));
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

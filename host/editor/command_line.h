@@ -11,7 +11,7 @@
 namespace drafthost::editor {
 
 class CommandLine final : public lisp::Console {
-  public:
+public:
     // sink: takes the bytes. The default one is the process's standard output.
     using Sink = std::function<void(std::string_view utf8)>;
     CommandLine();
@@ -22,20 +22,19 @@ class CommandLine final : public lisp::Console {
     void flush() override;
     // Ends a line that was begun.
     void freshLine();
-    bool atLineStart() const { return atLineStart_; }
+    bool atLineStart() const override { return atLineStart_; }
     // Somebody else showed the end of a line: the drafter's Return in a terminal.
-    void lineEndedOutside() { atLineStart_ = true; }
-    // The text of the line being shown, for prompts that are put again.
-    bool muted() const { return muted_; }
-    // Nothing is shown while muted: commands run by programs with CMDECHO off.
-    void setMuted(bool muted) { muted_ = muted; }
+    void lineEndedOutside() { atLineStart_ = endedOutside_ = true; }
+    // As freshLine, and an end of line where only the drafter's Return has shown one, so that what follows
+    // begins a line also in a file that this goes to.
+    void ownFreshLine();
 
-  private:
+private:
     Sink sink_;
     std::string buffer_;
-    wchar_t pendingSurrogate_ = 0;  // first half of a character whose second half is still to come
+    wchar_t pendingSurrogate_ = 0; // first half of a character whose second half is still to come
     bool atLineStart_ = true;
-    bool muted_ = false;
+    bool endedOutside_ = false;
 };
 
 // Text of a printf format with wide texts for %s, of any length.
@@ -44,4 +43,4 @@ std::wstring formatted(const wchar_t* format, va_list arguments);
 // Diagnostics of the host itself: one line on standard error, behind all that was shown so far.
 void reportOnStandardError(const std::wstring& message);
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -21,30 +21,37 @@ namespace {
 // Room that callers give for keywords and texts, the final null included.
 constexpr std::size_t kTextRoom = 133;
 
-std::wstring promptOf(const ACHAR* prompt) { return prompt ? prompt : L""; }
+std::wstring promptOf(const ACHAR* prompt) {
+    return prompt ? prompt : L"";
+}
 
-InputResult ask(InputRequest::Kind kind, const ads_point base, const ACHAR* prompt, bool allowBlanks = false) {
+InputResult ask(InputRequest::Kind kind, const ads_point base, const ACHAR* prompt,
+                bool allowBlanks = false) {
     Document* const document = theHost().documents().current();
-    if (!document) return {.status = RTERROR};
+    if (!document)
+        return {.status = RTERROR};
     InputRequest request;
     request.kind = kind;
     request.prompt = promptOf(prompt);
     request.allowBlanks = allowBlanks;
-    if (base) request.base = AcGePoint3d(base[0], base[1], base[2]);
+    if (base)
+        request.base = AcGePoint3d(base[0], base[1], base[2]);
     return document->prompts().ask(std::move(request));
 }
 
 int askPoint(InputRequest::Kind kind, const ads_point base, const ACHAR* prompt, ads_point result) {
     const InputResult answer = ask(kind, base, prompt);
     if (answer.status == RTNORM) {
-        for (int i = 0; i < 3; ++i) result[i] = answer.point[i];
+        for (int i = 0; i < 3; ++i)
+            result[i] = answer.point[i];
     }
     return answer.status;
 }
 
 int askNumber(InputRequest::Kind kind, const ads_point base, const ACHAR* prompt, ads_real* result) {
     const InputResult answer = ask(kind, base, prompt);
-    if (answer.status == RTNORM) *result = answer.number;
+    if (answer.status == RTNORM)
+        *result = answer.number;
     return answer.status;
 }
 
@@ -55,10 +62,11 @@ int copyOut(const std::wstring& text, ACHAR* result) {
     return RTNORM;
 }
 
-}  // namespace
+} // namespace
 
 int acutPrintf(const ACHAR* format, ...) {
-    if (!format) return RTERROR;
+    if (!format)
+        return RTERROR;
     va_list arguments;
     va_start(arguments, format);
     theHost().commandLine().write(drafthost::editor::formatted(format, arguments));
@@ -77,12 +85,17 @@ int acedAlert(const ACHAR* text) {
     return RTNORM;
 }
 
-int acedTextScr() { return RTNORM; }
-int acedGraphScr() { return RTNORM; }
+int acedTextScr() {
+    return RTNORM;
+}
+int acedGraphScr() {
+    return RTNORM;
+}
 
 int acedInitGet(int control, const ACHAR* keywords) {
     Document* const document = theHost().documents().current();
-    if (!document) return RTERROR;
+    if (!document)
+        return RTERROR;
     document->prompts().initGet(control, promptOf(keywords));
     return RTNORM;
 }
@@ -108,7 +121,8 @@ int acedGetReal(const ACHAR* prompt, ads_real* result) {
 
 int acedGetInt(const ACHAR* prompt, int* result) {
     const InputResult answer = ask(InputRequest::Kind::Integer, nullptr, prompt);
-    if (answer.status == RTNORM) *result = answer.integer;
+    if (answer.status == RTNORM)
+        *result = answer.integer;
     return answer.status;
 }
 
@@ -131,26 +145,34 @@ int acedGetInput(ACHAR* result) {
 
 int acedEntSel(const ACHAR* prompt, ads_name entity, ads_point picked) {
     Document* const document = theHost().documents().current();
-    if (!document) return RTERROR;
+    if (!document)
+        return RTERROR;
     const drafthost::editor::EntityPick pick = drafthost::editor::askEntity(*document, promptOf(prompt));
-    if (pick.status != RTNORM) return pick.status;
-    for (int i = 0; i < 3; ++i) picked[i] = pick.point[i];
+    if (pick.status != RTNORM)
+        return pick.status;
+    for (int i = 0; i < 3; ++i)
+        picked[i] = pick.point[i];
     return acdbGetAdsName(*reinterpret_cast<ads_name*>(entity), pick.entity) == Acad::eOk ? RTNORM : RTERROR;
 }
 
-bool acedUsrBrk() { return theHost().interrupted() || theHost().runFailed(); }
+bool acedUsrBrk() {
+    return theHost().interrupted() || theHost().runFailed();
+}
 
 int acedCmd(const resbuf* commandAndAnswers) {
     Document* const document = theHost().documents().current();
-    if (!document || document->commands().busy()) return RTERROR;
+    if (!document || document->commands().busy())
+        return RTERROR;
     std::vector<drafthost::editor::CommandWord> words;
     for (const resbuf* node = commandAndAnswers; node; node = node->rbnext) {
         const auto value = drafthost::editor::fromNode(document->interpreter(), *node);
         auto answer = drafthost::editor::answerFromValue(value);
-        if (!answer) return RTERROR;
+        if (!answer)
+            return RTERROR;
         const bool text = answer->kind == drafthost::editor::Answer::Kind::Typed;
         const bool pause = text && answer->text == L"\\";
-        if (text && answer->text.empty()) answer->kind = drafthost::editor::Answer::Kind::Enter;
+        if (text && answer->text.empty())
+            answer->kind = drafthost::editor::Answer::Kind::Enter;
         words.push_back({pause, std::move(*answer)});
     }
     if (words.empty()) {

@@ -41,15 +41,15 @@ Answer adapted(Answer answer, const InputRequest& request) {
         answer.kind = Answer::Kind::Angle;
         answer.number = value * std::numbers::pi / 180;
     }
-    if (answer.kind == Answer::Kind::Real && request.kind == InputRequest::Kind::Integer && value == std::floor(value) &&
-        std::abs(value) < 1e9) {
+    if (answer.kind == Answer::Kind::Real && request.kind == InputRequest::Kind::Integer &&
+        value == std::floor(value) && std::abs(value) < 1e9) {
         answer.kind = Answer::Kind::Integer;
         answer.integer = static_cast<int>(value);
     }
     return answer;
 }
 
-}  // namespace
+} // namespace
 
 // A command in progress, and the fiber it runs on.
 struct CommandRunner::Running {
@@ -57,32 +57,39 @@ struct CommandRunner::Running {
     const CommandDefinition* definition;
     std::wstring name;
     void* fiber = nullptr;
-    void* caller = nullptr;  // the fiber that resumed it
+    void* caller = nullptr; // the fiber that resumed it
     bool finished = false;
     bool cancelled = false;
     std::wstring failure = {};
 
+    // Without the marks that the name was called with; a variable's own name.
+    std::wstring shownName() const { return *definition->name ? definition->name : name; }
+
     ~Running() {
-        if (fiber) DeleteFiber(fiber);
+        if (fiber)
+            DeleteFiber(fiber);
     }
 };
 
 // The words of the program; when they are used up, the command's fiber waits for more.
 class CommandRunner::WordSource final : public InputSource {
-  public:
+public:
     explicit WordSource(CommandRunner& runner) : runner_(runner) {}
 
     std::deque<CommandWord> words;
-    bool drafterAnswers = false;  // the program has ended, or it paused for this answer
+    bool drafterAnswers = false; // the program has ended, or it paused for this answer
     bool cancelling = false;
-    bool refused = false;  // a word did not fit
+    bool refused = false; // a word did not fit
 
     Answer next(const InputRequest& request) override {
         paused_ = false;
         for (;;) {
-            if (cancelling) return Answer::of(Answer::Kind::Cancel);
-            if (drafterAnswers) return drafter().next(request);
-            if (!words.empty()) break;
+            if (cancelling)
+                return Answer::of(Answer::Kind::Cancel);
+            if (drafterAnswers)
+                return drafter().next(request);
+            if (!words.empty())
+                break;
             SwitchToFiber(runner_.command_->caller);
         }
         CommandWord word = std::move(words.front());
@@ -94,7 +101,8 @@ class CommandRunner::WordSource final : public InputSource {
     Answer nextForBox(const BoxRequest& box) override { return drafter().nextForBox(box); }
 
     bool refuse(const Answer& answer, const std::wstring& waitedFor, const std::wstring& complaint) override {
-        if (drafterAnswers || paused_) return drafter().refuse(answer, waitedFor, complaint);
+        if (drafterAnswers || paused_)
+            return drafter().refuse(answer, waitedFor, complaint);
         CommandLine& line = runner_.document_.commandLine();
         line.freshLine();
         line.write(complaint + L"\n");
@@ -103,38 +111,47 @@ class CommandRunner::WordSource final : public InputSource {
     }
 
     bool needsEcho() const override {
-        if (drafterAnswers || paused_) return runner_.document_.host().input().needsEcho();
+        if (drafterAnswers || paused_)
+            return runner_.document_.host().input().needsEcho();
         return showsPrompts();
     }
     bool showsPrompts() const override {
-        if (drafterAnswers) return true;
+        if (drafterAnswers)
+            return true;
         const auto echo = getVariable(runner_.document_, L"CMDECHO");
         const int* number = echo ? std::get_if<int>(&*echo) : nullptr;
         return !number || *number != 0;
     }
 
-  private:
+private:
     InputSource& drafter() { return runner_.document_.host().input(); }
 
     CommandRunner& runner_;
     bool paused_ = false;
 };
 
-CommandRunner::CommandRunner(Document& document) : document_(document), words_(std::make_unique<WordSource>(*this)) {}
+CommandRunner::CommandRunner(Document& document)
+    : document_(document), words_(std::make_unique<WordSource>(*this)) {}
 
-CommandRunner::~CommandRunner() { cancel(); }
+CommandRunner::~CommandRunner() {
+    cancel();
+}
 
 InputSource& CommandRunner::source() {
     return command_ ? static_cast<InputSource&>(*words_) : document_.host().input();
 }
 
-std::wstring CommandRunner::activeName() const { return command_ ? command_->name : L""; }
+std::wstring CommandRunner::activeName() const {
+    return command_ ? command_->shownName() : L"";
+}
 
 const CommandDefinition* findCommand(std::wstring_view given) {
-    while (!given.empty() && (given[0] == L'_' || given[0] == L'.' || given[0] == L'-')) given.remove_prefix(1);
+    while (!given.empty() && (given[0] == L'_' || given[0] == L'.' || given[0] == L'-'))
+        given.remove_prefix(1);
     static const std::vector<CommandDefinition> commands = allCommands();
-    const auto found = std::find_if(commands.begin(), commands.end(),
-                                    [&](const CommandDefinition& row) { return equalNames(given, row.name); });
+    const auto found = std::find_if(commands.begin(), commands.end(), [&](const CommandDefinition& row) {
+        return equalNames(given, row.name);
+    });
     return found == commands.end() ? nullptr : &*found;
 }
 
@@ -155,15 +172,17 @@ void CommandRunner::fiberEntry(void* data) {
 
 bool CommandRunner::begin(const std::wstring& name) {
     const CommandDefinition* definition = findCommand(name);
-    if (!definition && getVariable(document_, name)) definition = &variableCommand();
+    if (!definition && getVariable(document_, name))
+        definition = &variableCommand();
     if (!definition) {
         document_.commandLine().freshLine();
         document_.commandLine().write(L"Unknown command \"" + foldCase(name) + L"\".  Press F1 for help.\n");
         return false;
     }
-    command_ = std::make_unique<Running>(Running{.runner = *this, .definition = definition, .name = foldCase(name)});
-    command_->fiber = CreateFiberEx(64 * 1024, kFiberStack, 0, reinterpret_cast<LPFIBER_START_ROUTINE>(&fiberEntry),
-                                    command_.get());
+    command_ =
+        std::make_unique<Running>(Running{.runner = *this, .definition = definition, .name = foldCase(name)});
+    command_->fiber = CreateFiberEx(64 * 1024, kFiberStack, 0,
+                                    reinterpret_cast<LPFIBER_START_ROUTINE>(&fiberEntry), command_.get());
     if (!command_->fiber) {
         command_.reset();
         throw lisp::LispError(L"insufficient memory");
@@ -179,17 +198,21 @@ void CommandRunner::resume() {
         onFiber_ = true;
         SwitchToFiber(command_->fiber);
         onFiber_ = false;
-        if (!thread_) break;
+        if (!thread_)
+            break;
         (*thread_)();
         thread_ = nullptr;
     }
-    if (!command_->finished) return;
-    if (!command_->failure.empty()) document_.host().warn(command_->name + L" failed: " + command_->failure);
+    if (!command_->finished)
+        return;
+    if (!command_->failure.empty())
+        document_.host().warn(command_->name + L" failed: " + command_->failure);
     command_.reset();
 }
 
 void CommandRunner::runOnThread(const std::function<void()>& body) {
-    if (!onFiber_) return body();
+    if (!onFiber_)
+        return body();
     thread_ = &body;
     SwitchToFiber(command_->caller);
 }
@@ -201,8 +224,10 @@ bool CommandRunner::feed(std::vector<CommandWord> given) {
         if (!command_) {
             const Answer name = words_->words.front().answer;
             words_->words.pop_front();
-            // An empty word where a command is expected would repeat the last one; programs use it to end commands.
-            if (name.kind == Answer::Kind::Enter || name.kind == Answer::Kind::Cancel) continue;
+            // An empty word where a command is expected would repeat the last one; programs use it to end
+            // commands.
+            if (name.kind == Answer::Kind::Enter || name.kind == Answer::Kind::Cancel)
+                continue;
             if (name.kind != Answer::Kind::Typed || !begin(name.text)) {
                 words_->words.clear();
                 return false;
@@ -218,23 +243,26 @@ bool CommandRunner::feed(std::vector<CommandWord> given) {
 }
 
 void CommandRunner::run(const std::wstring& name) {
-    if (!begin(name)) return;
+    if (!begin(name))
+        return;
     words_->drafterAnswers = true;
     resume();
 }
 
 void CommandRunner::finishWithDrafter() {
-    if (!command_) return;
+    if (!command_)
+        return;
     words_->drafterAnswers = true;
     resume();
 }
 
 void CommandRunner::cancel() {
-    if (!command_) return;
+    if (!command_)
+        return;
     words_->words.clear();
     words_->cancelling = true;
     resume();
     words_->cancelling = false;
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -2,8 +2,8 @@
 
 // The host's own drawing commands, run by the drafter or word by word by programs.
 //
-// A command runs on a fiber of its own, so that (command "LINE" p1) can stop in the middle and a later (command p2 "")
-// can go on. What a program leaves unfinished, the drafter finishes.
+// A command runs on a fiber of its own, so that (command "LINE" p1) can stop in the middle and a later
+// (command p2 "") can go on. What a program leaves unfinished, the drafter finishes.
 
 #include <deque>
 #include <functional>
@@ -25,7 +25,7 @@ class CommandContext;
 
 using CommandFunction = void (*)(CommandContext& context);
 struct CommandDefinition {
-    const wchar_t* name;  // capitals
+    const wchar_t* name; // capitals
     CommandFunction function;
 };
 // The table of commands (drawing_commands.cpp and others).
@@ -43,13 +43,14 @@ struct CommandWord {
 const CommandDefinition& variableCommand();
 
 class CommandRunner {
-  public:
+public:
     explicit CommandRunner(Document& document);
-    ~CommandRunner();  // cancels
+    ~CommandRunner(); // cancels
     CommandRunner(const CommandRunner&) = delete;
     CommandRunner& operator=(const CommandRunner&) = delete;
 
-    // Each word goes to the running command, or begins one. False when a command was not known or was cancelled.
+    // Each word goes to the running command, or begins one. False when a command was not known or was
+    // cancelled.
     bool feed(std::vector<CommandWord> words);
     // A command typed by the drafter, or a system variable's name, up to its end.
     void run(const std::wstring& name);
@@ -66,7 +67,7 @@ class CommandRunner {
     // Where prompts get their answers: the program's words while it runs a command, else the drafter.
     InputSource& source();
 
-  private:
+private:
     struct Running;
     class WordSource;
 
@@ -78,7 +79,7 @@ class CommandRunner {
     std::unique_ptr<WordSource> words_;
     std::unique_ptr<Running> command_;
     bool onFiber_ = false;
-    const std::function<void()>* thread_ = nullptr;  // what the command wants run on the thread's stack
+    const std::function<void()>* thread_ = nullptr; // what the command wants run on the thread's stack
 };
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -20,44 +20,52 @@ void drawLine(CommandContext& context) {
     const AcGePoint3d first = context.point(L"Specify first point: ");
     AcGePoint3d last = first;
     for (int segments = 0;;) {
-        const Reply reply = context.ask(Kind::Point, {.prompt = segments < 2 ? L"Specify next point or [Undo]: "
-                                                                             : L"Specify next point or [Close/Undo]: ",
-                                                      .keywords = segments < 2 ? L"Undo" : L"Close Undo",
-                                                      .base = last});
-        if (!reply.given) return;
+        const Reply reply =
+            context.ask(Kind::Point, {.prompt = segments < 2 ? L"Specify next point or [Undo]: "
+                                                             : L"Specify next point or [Close/Undo]: ",
+                                      .keywords = segments < 2 ? L"Undo" : L"Close Undo",
+                                      .base = last});
+        if (!reply.given)
+            return;
         if (reply.keyword == L"Undo") {
             context.print(L"Lines that were drawn stay.");
             continue;
         }
         const AcGePoint3d next = reply.keyword.empty() ? reply.point : first;
         context.add(std::make_unique<AcDbLine>(context.world(last), context.world(next)));
-        if (!reply.keyword.empty()) return;
+        if (!reply.keyword.empty())
+            return;
         last = next;
         ++segments;
     }
 }
 
-AcGeVector3d planeNormal(const CommandContext& context) { return context.ucsToWorld() * AcGeVector3d::kZAxis; }
+AcGeVector3d planeNormal(const CommandContext& context) {
+    return context.ucsToWorld() * AcGeVector3d::kZAxis;
+}
 
 // Centre of the circle through three points of a plane parallel to XY; false when they lie in a line.
 bool centerOf(const AcGePoint3d& a, const AcGePoint3d& b, const AcGePoint3d& c, AcGePoint3d& center) {
     const double bx = b.x - a.x, by = b.y - a.y, cx = c.x - a.x, cy = c.y - a.y;
     const double twice = 2 * (bx * cy - by * cx);
-    if (std::abs(twice) <= AcGeContext::gTol.equalPoint) return false;
+    if (std::abs(twice) <= AcGeContext::gTol.equalPoint)
+        return false;
     const double bb = bx * bx + by * by, cc = cx * cx + cy * cy;
     center = {a.x + (cy * bb - by * cc) / twice, a.y + (bx * cc - cx * bb) / twice, a.z};
     return true;
 }
 
 void addCircle(CommandContext& context, const AcGePoint3d& center, double radius) {
-    if (radius <= 0) return context.print(L"Value must be positive and nonzero.");
+    if (radius <= 0)
+        return context.print(L"Value must be positive and nonzero.");
     context.add(std::make_unique<AcDbCircle>(context.world(center), planeNormal(context), radius));
 }
 
 void drawCircle(CommandContext& context) {
-    const Reply reply = context.ask(Kind::Point, {.prompt = L"Specify center point for circle or [3P/2P]: ",
-                                                  .keywords = L"3P 2P"});
-    if (!reply.given) return;
+    const Reply reply = context.ask(
+        Kind::Point, {.prompt = L"Specify center point for circle or [3P/2P]: ", .keywords = L"3P 2P"});
+    if (!reply.given)
+        return;
     if (reply.keyword == L"2P") {
         const AcGePoint3d a = context.point(L"Specify first end point of circle's diameter: ");
         const AcGePoint3d b = context.point(L"Specify second end point of circle's diameter: ", a);
@@ -68,15 +76,18 @@ void drawCircle(CommandContext& context) {
         const AcGePoint3d b = context.point(L"Specify second point on circle: ", a);
         const AcGePoint3d c = context.point(L"Specify third point on circle: ", b);
         AcGePoint3d center;
-        if (!centerOf(a, b, c, center)) return context.print(L"Points lie in a line.");
+        if (!centerOf(a, b, c, center))
+            return context.print(L"Points lie in a line.");
         return addCircle(context, center, center.distanceTo(a));
     }
     const Reply size = context.ask(Kind::Distance, {.prompt = L"Specify radius of circle or [Diameter]: ",
                                                     .keywords = L"Diameter",
                                                     .base = reply.point});
-    if (!size.given) return;
-    const double radius =
-        size.keyword.empty() ? size.number : context.distance(L"Specify diameter of circle: ", reply.point) / 2;
+    if (!size.given)
+        return;
+    const double radius = size.keyword.empty()
+                              ? size.number
+                              : context.distance(L"Specify diameter of circle: ", reply.point) / 2;
     addCircle(context, reply.point, radius);
 }
 
@@ -85,7 +96,8 @@ void drawArc(CommandContext& context) {
     const AcGePoint3d second = context.point(L"Specify second point of arc: ", start);
     const AcGePoint3d end = context.point(L"Specify end point of arc: ", second);
     AcGePoint3d center;
-    if (!centerOf(start, second, end, center)) return context.print(L"Points lie in a line.");
+    if (!centerOf(start, second, end, center))
+        return context.print(L"Points lie in a line.");
     const bool counterClockwise = (second - start).crossProduct(end - second).z > 0;
     const AcGePoint3d& from = counterClockwise ? start : end;
     const AcGePoint3d& to = counterClockwise ? end : start;
@@ -95,30 +107,37 @@ void drawArc(CommandContext& context) {
     const auto angle = [&](const AcGePoint3d& p) {
         return (toPlane * (context.world(p) - context.world(center))).convert2d().angle();
     };
-    context.add(std::make_unique<AcDbArc>(context.world(center), normal, center.distanceTo(start), angle(from), angle(to)));
+    context.add(std::make_unique<AcDbArc>(context.world(center), normal, center.distanceTo(start),
+                                          angle(from), angle(to)));
 }
 
 void drawPolyline(CommandContext& context) {
     std::vector<AcGePoint3d> points{context.point(L"Specify start point: ")};
     bool closed = false;
     while (!closed) {
-        const Reply reply = context.ask(
-            Kind::Point, {.prompt = points.size() < 3 ? L"Specify next point or [Undo]: "
-                                                      : L"Specify next point or [Close/Undo]: ",
-                          .keywords = points.size() < 3 ? L"Undo" : L"Close Undo",
-                          .base = points.back()});
-        if (!reply.given) break;
+        const Reply reply =
+            context.ask(Kind::Point, {.prompt = points.size() < 3 ? L"Specify next point or [Undo]: "
+                                                                  : L"Specify next point or [Close/Undo]: ",
+                                      .keywords = points.size() < 3 ? L"Undo" : L"Close Undo",
+                                      .base = points.back()});
+        if (!reply.given)
+            break;
         closed = reply.keyword == L"Close";
-        if (reply.keyword == L"Undo" && points.size() > 1) points.pop_back();
-        if (reply.keyword.empty()) points.push_back(reply.point);
+        if (reply.keyword == L"Undo" && points.size() > 1)
+            points.pop_back();
+        if (reply.keyword.empty())
+            points.push_back(reply.point);
     }
-    if (points.size() < 2) return;
+    if (points.size() < 2)
+        return;
     auto polyline = std::make_unique<AcDbPolyline>();
     unsigned index = 0;
-    for (const AcGePoint3d& point : points) polyline->addVertexAt(index++, point.convert2d());
+    for (const AcGePoint3d& point : points)
+        polyline->addVertexAt(index++, point.convert2d());
     polyline->setClosed(closed);
     AcGeMatrix3d place = context.ucsToWorld();
-    if (points.front().z != 0) place = place * AcGeMatrix3d::translation({0, 0, points.front().z});
+    if (points.front().z != 0)
+        place = place * AcGeMatrix3d::translation({0, 0, points.front().z});
     polyline->transformBy(place);
     context.add(std::move(polyline));
 }
@@ -139,7 +158,8 @@ void drawText(CommandContext& context) {
     }
     const double rotation = context.angle(L"Specify rotation angle of text <0>: ", start);
     const std::wstring text = context.text(L"Enter text: ", true);
-    if (text.empty()) return;
+    if (text.empty())
+        return;
     auto entity = std::make_unique<AcDbText>(start, text.c_str(), database.textstyle(), height, rotation);
     entity->transformBy(context.ucsToWorld());
     context.add(std::move(entity));
@@ -156,8 +176,8 @@ void insertBlock(CommandContext& context) {
     const AcGePoint3d point = context.point(L"Specify insertion point: ");
     const Reply x = context.ask(Kind::Real, {.prompt = L"Enter X scale factor <1>: ", .control = RSG_NOZERO});
     const double scaleX = x.given ? x.number : 1;
-    const Reply y = context.ask(Kind::Real, {.prompt = L"Enter Y scale factor <use X scale factor>: ",
-                                             .control = RSG_NOZERO});
+    const Reply y = context.ask(
+        Kind::Real, {.prompt = L"Enter Y scale factor <use X scale factor>: ", .control = RSG_NOZERO});
     const double scaleY = y.given ? y.number : scaleX;
     const double rotation = context.angle(L"Specify rotation angle <0>: ", point);
     auto reference = std::make_unique<AcDbBlockReference>(point, block);
@@ -168,12 +188,14 @@ void insertBlock(CommandContext& context) {
 }
 
 constexpr CommandDefinition kCommands[] = {
-    {L"ARC", drawArc},   {L"CIRCLE", drawCircle}, {L"INSERT", insertBlock}, {L"LINE", drawLine},
-    {L"PLINE", drawPolyline}, {L"TEXT", drawText},
+    {L"ARC", drawArc},   {L"CIRCLE", drawCircle},  {L"INSERT", insertBlock},
+    {L"LINE", drawLine}, {L"PLINE", drawPolyline}, {L"TEXT", drawText},
 };
 
-}  // namespace
+} // namespace
 
-std::span<const CommandDefinition> drawCommands() { return kCommands; }
+std::span<const CommandDefinition> drawCommands() {
+    return kCommands;
+}
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -13,27 +13,32 @@ namespace drafthost::editor {
 namespace {
 
 constexpr double kChordAngle = std::numbers::pi / 48;
-constexpr int kDeepestNesting = 64;  // of blocks: a drawing cannot make the host run out of stack
+constexpr int kDeepestNesting = 64; // of blocks: a drawing cannot make the host run out of stack
 
 // Takes drawing calls; colours and linetypes do not matter.
 class Collector final : public AcGiWorldDraw, public AcGiWorldGeometry, public AcGiSubEntityTraits {
-  public:
+public:
     Outline take() { return std::move(outline_); }
 
     AcGiWorldGeometry& geometry() const override { return const_cast<Collector&>(*this); }
     AcGiSubEntityTraits& subEntityTraits() const override { return const_cast<Collector&>(*this); }
     double deviation() const override { return 0; }
 
-    bool polyline(std::uint32_t count, const AcGePoint3d* points, const AcGeVector3d*, std::int64_t) override {
-        if (count > 0) outline_.lines.push_back(plan(count, points));
+    bool polyline(std::uint32_t count, const AcGePoint3d* points, const AcGeVector3d*,
+                  std::int64_t) override {
+        if (count > 0)
+            outline_.lines.push_back(plan(count, points));
         return false;
     }
     bool polygon(std::uint32_t count, const AcGePoint3d* points) override {
-        if (count > 0) outline_.areas.push_back(plan(count, points));
+        if (count > 0)
+            outline_.areas.push_back(plan(count, points));
         return false;
     }
-    bool polyPolygon(std::uint32_t contours, const std::uint32_t* counts, const AcGePoint3d* points) override {
-        for (std::uint32_t i = 0; i < contours; points += counts[i++]) polygon(counts[i], points);
+    bool polyPolygon(std::uint32_t contours, const std::uint32_t* counts,
+                     const AcGePoint3d* points) override {
+        for (std::uint32_t i = 0; i < contours; points += counts[i++])
+            polygon(counts[i], points);
         return false;
     }
     bool circle(const AcGePoint3d& center, double radius, const AcGeVector3d& normal) override {
@@ -53,16 +58,20 @@ class Collector final : public AcGiWorldDraw, public AcGiWorldGeometry, public A
     bool text(const AcGePoint3d& position, const AcGeVector3d& normal, const AcGeVector3d& direction,
               const ACHAR* message, int length, const AcGiTextStyle& style) override {
         // Characters are about as wide as high: good enough to pick at.
-        const auto count = length < 0 ? std::char_traits<wchar_t>::length(message) : static_cast<std::size_t>(length);
-        const AcGeVector3d along = direction.normal() * (static_cast<double>(count) * style.textSize * style.xScale);
+        const auto count =
+            length < 0 ? std::char_traits<wchar_t>::length(message) : static_cast<std::size_t>(length);
+        const AcGeVector3d along =
+            direction.normal() * (static_cast<double>(count) * style.textSize * style.xScale);
         const AcGeVector3d up = normal.crossProduct(direction).normal() * style.textSize;
         const AcGePoint3d box[] = {position, position + along, position + along + up, position + up};
         return polygon(4, box);
     }
     bool draw(AcGiDrawable* drawable) override {
-        if (!drawable || depth_ >= kDeepestNesting) return false;
+        if (!drawable || depth_ >= kDeepestNesting)
+            return false;
         ++depth_;
-        if (!addBox(*drawable)) drawable->worldDraw(this);
+        if (!addBox(*drawable))
+            drawable->worldDraw(this);
         --depth_;
         return false;
     }
@@ -71,7 +80,8 @@ class Collector final : public AcGiWorldDraw, public AcGiWorldGeometry, public A
         transform_ = transform_ * matrix;
     }
     void popModelTransform() override {
-        if (transforms_.empty()) return;
+        if (transforms_.empty())
+            return;
         transform_ = transforms_.back();
         transforms_.pop_back();
     }
@@ -91,11 +101,12 @@ class Collector final : public AcGiWorldDraw, public AcGiWorldGeometry, public A
     void setSelectionMarker(std::int64_t) override {}
     void setFill(bool) override {}
 
-  private:
+private:
     std::vector<AcGePoint2d> plan(std::uint32_t count, const AcGePoint3d* points) const {
         std::vector<AcGePoint2d> line;
         line.reserve(count);
-        for (std::uint32_t i = 0; i < count; ++i) line.push_back((transform_ * points[i]).convert2d());
+        for (std::uint32_t i = 0; i < count; ++i)
+            line.push_back((transform_ * points[i]).convert2d());
         return line;
     }
 
@@ -103,7 +114,8 @@ class Collector final : public AcGiWorldDraw, public AcGiWorldGeometry, public A
     bool addBox(AcGiDrawable& drawable) {
         const bool isText = drawable.isKindOf(AcDbText::desc()) || drawable.isKindOf(AcDbMText::desc());
         AcDbExtents box;
-        if (!isText || static_cast<AcDbEntity&>(drawable).getGeomExtents(box) != Acad::eOk || !box.isValid()) return false;
+        if (!isText || static_cast<AcDbEntity&>(drawable).getGeomExtents(box) != Acad::eOk || !box.isValid())
+            return false;
         const AcGePoint3d a = box.minPoint(), b = box.maxPoint();
         const AcGePoint3d corners[] = {a, {b.x, a.y, a.z}, {b.x, b.y, a.z}, {a.x, b.y, a.z}};
         polygon(4, corners);
@@ -138,8 +150,10 @@ bool isInside(const std::vector<AcGePoint2d>& corners, const AcGePoint2d& p) {
     for (std::size_t i = 0, j = corners.size() - 1; i < corners.size(); j = i++) {
         const AcGePoint2d& a = corners[i];
         const AcGePoint2d& b = corners[j];
-        if ((a.y > p.y) == (b.y > p.y)) continue;
-        if (p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x) inside = !inside;
+        if ((a.y > p.y) == (b.y > p.y))
+            continue;
+        if (p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x)
+            inside = !inside;
     }
     return inside;
 }
@@ -155,7 +169,8 @@ bool isOn(const AcGePoint2d& a, const AcGePoint2d& b, const AcGePoint2d& p) {
 
 bool segmentsMeet(const AcGePoint2d& a, const AcGePoint2d& b, const AcGePoint2d& c, const AcGePoint2d& d) {
     const double s1 = side(a, b, c), s2 = side(a, b, d), s3 = side(c, d, a), s4 = side(c, d, b);
-    if (((s1 > 0) != (s2 > 0)) && ((s3 > 0) != (s4 > 0)) && s1 != 0 && s2 != 0 && s3 != 0 && s4 != 0) return true;
+    if (((s1 > 0) != (s2 > 0)) && ((s3 > 0) != (s4 > 0)) && s1 != 0 && s2 != 0 && s3 != 0 && s4 != 0)
+        return true;
     return (s1 == 0 && isOn(a, b, c)) || (s2 == 0 && isOn(a, b, d)) || (s3 == 0 && isOn(c, d, a)) ||
            (s4 == 0 && isOn(c, d, b));
 }
@@ -167,7 +182,8 @@ bool meetsBorder(const std::vector<AcGePoint2d>& line, const Region& region) {
         const AcGePoint2d& a = line[i];
         const AcGePoint2d& b = line[std::min(i + 1, line.size() - 1)];
         for (std::size_t j = 0; j < sides; ++j) {
-            if (segmentsMeet(a, b, region.corners[j], region.corners[(j + 1) % corners])) return true;
+            if (segmentsMeet(a, b, region.corners[j], region.corners[(j + 1) % corners]))
+                return true;
         }
     }
     return false;
@@ -182,7 +198,7 @@ bool lineTouches(const std::vector<AcGePoint2d>& line, const Region& region) {
     return (!region.fence && isInside(region.corners, line.front())) || meetsBorder(line, region);
 }
 
-}  // namespace
+} // namespace
 
 Outline outlineOf(AcDbEntity& entity) {
     Collector collector;
@@ -191,18 +207,22 @@ Outline outlineOf(AcDbEntity& entity) {
 }
 
 std::optional<double> distanceTo(const Outline& outline, const AcGePoint2d& point) {
-    if (outline.empty()) return std::nullopt;
+    if (outline.empty())
+        return std::nullopt;
     double least = std::numeric_limits<double>::max();
     for (const auto& area : outline.areas) {
-        if (isInside(area, point)) return 0.0;
+        if (isInside(area, point))
+            return 0.0;
         least = std::min(least, distanceToLine(closedLine(area), point));
     }
-    for (const auto& line : outline.lines) least = std::min(least, distanceToLine(line, point));
+    for (const auto& line : outline.lines)
+        least = std::min(least, distanceToLine(line, point));
     return least;
 }
 
 bool liesInside(const Outline& outline, const Region& region) {
-    if (outline.empty() || region.corners.size() < 3 || region.fence) return false;
+    if (outline.empty() || region.corners.size() < 3 || region.fence)
+        return false;
     const auto inside = [&](const std::vector<AcGePoint2d>& line) {
         return isInside(region.corners, line.front()) && !meetsBorder(line, region);
     };
@@ -212,7 +232,8 @@ bool liesInside(const Outline& outline, const Region& region) {
 }
 
 bool touches(const Outline& outline, const Region& region) {
-    if (region.corners.size() < (region.fence ? 2 : 3)) return false;
+    if (region.corners.size() < (region.fence ? 2 : 3))
+        return false;
     return std::any_of(outline.lines.begin(), outline.lines.end(),
                        [&](const auto& line) { return lineTouches(line, region); }) ||
            std::any_of(outline.areas.begin(), outline.areas.end(), [&](const auto& area) {
@@ -220,4 +241,4 @@ bool touches(const Outline& outline, const Region& region) {
            });
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

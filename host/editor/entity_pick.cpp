@@ -18,7 +18,8 @@ constexpr int kErrnoMissedPick = 7, kErrnoEmptyResponse = 52;
 constexpr const wchar_t* kSelectObject = L"Select object: ";
 
 bool isVisible(const AcDbEntity& entity) {
-    if (!entity.isVisible()) return false;
+    if (!entity.isVisible())
+        return false;
     const AcDbObjectPointer<AcDbLayerTableRecord> layer(entity.layerId(), AcDb::kForRead);
     return !layer || (!layer->isOff() && !layer->isFrozen());
 }
@@ -28,13 +29,16 @@ struct Nearest {
     double distance;
 };
 
-std::optional<Nearest> nearestOf(const std::vector<AcDbObjectId>& entities, const AcGePoint2d& point, double tolerance) {
+std::optional<Nearest> nearestOf(const std::vector<AcDbObjectId>& entities, const AcGePoint2d& point,
+                                 double tolerance) {
     std::optional<Nearest> nearest;
     for (const AcDbObjectId id : entities) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        if (!entity) continue;
+        if (!entity)
+            continue;
         const auto distance = distanceTo(outlineOf(*entity), point);
-        if (!distance || *distance > tolerance || (nearest && *distance > nearest->distance)) continue;
+        if (!distance || *distance > tolerance || (nearest && *distance > nearest->distance))
+            continue;
         nearest = {id, *distance};
     }
     return nearest;
@@ -43,21 +47,25 @@ std::optional<Nearest> nearestOf(const std::vector<AcDbObjectId>& entities, cons
 std::vector<AcDbObjectId> entitiesOf(AcDbObjectId block) {
     std::vector<AcDbObjectId> entities;
     const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
-    if (!record) return entities;
-    for (const AcDbObjectId id : record->entityIds()) entities.push_back(id);
+    if (!record)
+        return entities;
+    for (const AcDbObjectId id : record->entityIds())
+        entities.push_back(id);
     return entities;
 }
 
-}  // namespace
+} // namespace
 
 double pickTolerance(const AcDbDatabase& database) {
     AcDbExtents extents;
     for (const AcDbObjectId id : entitiesOf(database.modelSpaceId())) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
         AcDbExtents box;
-        if (entity && entity->getGeomExtents(box) == Acad::eOk && box.isValid()) extents.addExt(box);
+        if (entity && entity->getGeomExtents(box) == Acad::eOk && box.isValid())
+            extents.addExt(box);
     }
-    if (!extents.isValid()) return kPickBoxFraction;
+    if (!extents.isValid())
+        return kPickBoxFraction;
     const AcGeVector3d size = extents.maxPoint() - extents.minPoint();
     const double longer = std::max(size.x, size.y);
     return longer > 0 ? longer * kPickBoxFraction : kPickBoxFraction;
@@ -89,10 +97,12 @@ EntityPick askEntity(Document& document, const std::wstring& prompt) {
         document.variables().set(L"ERRNO", kErrnoEmptyResponse);
         pick.status = RTERROR;
     }
-    if (answer.status != RTNORM) return pick;
-    pick.entity =
-        answer.answer.kind == Answer::Kind::Entity ? answer.answer.entity : entityAt(document, answer.answer.point);
-    if (answer.answer.kind == Answer::Kind::Pick) document.prompts().setLastPoint(answer.answer.point);
+    if (answer.status != RTNORM)
+        return pick;
+    pick.entity = answer.answer.kind == Answer::Kind::Entity ? answer.answer.entity
+                                                             : entityAt(document, answer.answer.point);
+    if (answer.answer.kind == Answer::Kind::Pick)
+        document.prompts().setLastPoint(answer.answer.point);
     if (pick.entity.isNull() || pick.entity.isErased()) {
         document.variables().set(L"ERRNO", kErrnoMissedPick);
         pick.status = RTERROR;
@@ -107,19 +117,22 @@ NestedPick nestedAt(const Document& document, AcDbObjectId entity, const AcGePoi
     const double tolerance = pickTolerance(database);
     for (;;) {
         const AcDbObjectPointer<AcDbBlockReference> reference(pick.part, AcDb::kForRead);
-        if (!reference) return pick;
+        if (!reference)
+            return pick;
         const AcGeMatrix3d toWorld = pick.toWorld * reference->blockTransform();
-        if (toWorld.isSingular()) return pick;
+        if (toWorld.isSingular())
+            return pick;
         // The pick box measured in the block's own units.
         const double scale = toWorld.scale();
         const AcGePoint2d inside = (toWorld.inverse() * world).convert2d();
         const auto nearest = nearestOf(entitiesOf(reference->blockTableRecord()), inside,
                                        scale > 0 ? tolerance / scale : tolerance);
-        if (!nearest) return pick;
+        if (!nearest)
+            return pick;
         pick.parents.insert(pick.parents.begin(), pick.part);
         pick.part = nearest->entity;
         pick.toWorld = toWorld;
     }
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

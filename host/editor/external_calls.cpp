@@ -10,7 +10,7 @@ using lisp::Value;
 
 // Pushes a call, and releases what it left behind.
 class ExternalCalls::CallScope {
-  public:
+public:
     CallScope(ExternalCalls& calls, Call& call) : calls_(calls), call_(call) { calls_.running_ = &call; }
     ~CallScope() {
         acutRelRb(call_.argumentList);
@@ -19,21 +19,23 @@ class ExternalCalls::CallScope {
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
 
-  private:
+private:
     ExternalCalls& calls_;
     Call& call_;
 };
 
 void ExternalCalls::listReleased(const resbuf* list) {
     for (Call* call = running_; call; call = call->outer) {
-        if (call->argumentList == list) call->argumentList = nullptr;
+        if (call->argumentList == list)
+            call->argumentList = nullptr;
     }
 }
 
 int ExternalCalls::run(const ModuleFunction& function) const {
     if (!function.function) {
-        return function.module && function.module->entryPoint(AcRx::kInvkSubrMsg, nullptr) != AcRx::kRetError ? RSRSLT
-                                                                                                            : RSERR;
+        return function.module && function.module->entryPoint(AcRx::kInvkSubrMsg, nullptr) != AcRx::kRetError
+                   ? RSRSLT
+                   : RSERR;
     }
     int result = RSERR;
     if (const std::uint32_t fault = callCatchingFaults(function.function, result)) {
@@ -53,12 +55,14 @@ Value ExternalCalls::call(Document& document, const ModuleFunction& function, li
     } catch (const lisp::LispError&) {
         throw;
     } catch (const std::exception& error) {
-        throw lisp::LispError(L"external function " + function.name + L" failed: " + lisp::fromUtf8(error.what()));
+        throw lisp::LispError(L"external function " + function.name + L" failed: " +
+                              lisp::fromUtf8(error.what()));
     } catch (...) {
         throw lisp::LispError(L"external function " + function.name + L" failed: unknown exception");
     }
-    if (result != RSRSLT) throw lisp::LispError(L"ADS request error");
+    if (result != RSRSLT)
+        throw lisp::LispError(L"ADS request error");
     return call.result.get();
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

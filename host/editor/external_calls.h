@@ -1,7 +1,7 @@
 #pragma once
 
-// Calls of modules' functions from LISP. Arguments stay LISP values until the function asks for them as a value list;
-// the result is a LISP value from the start. Calls nest.
+// Calls of modules' functions from LISP. Arguments stay LISP values until the function asks for them as a
+// value list; the result is a LISP value from the start. Calls nest.
 
 #include <string>
 
@@ -12,12 +12,12 @@ namespace drafthost {
 class Document;
 class Host;
 struct ModuleFunction;
-}  // namespace drafthost
+} // namespace drafthost
 
 namespace drafthost::editor {
 
 class ExternalCalls {
-  public:
+public:
     explicit ExternalCalls(Host& host) : host_(host) {}
 
     // Raises a LISP error when the function answers RSERR, throws, or faults.
@@ -30,7 +30,7 @@ class ExternalCalls {
         lisp::Arguments arguments;
         short number;
         lisp::Root result;
-        resbuf* argumentList = nullptr;  // handed out and not yet released
+        resbuf* argumentList = nullptr; // handed out and not yet released
         Call* outer;
     };
     // The innermost running call; null for none.
@@ -39,7 +39,7 @@ class ExternalCalls {
     // Of acutRelRb: the list is gone.
     void listReleased(const resbuf* list);
 
-  private:
+private:
     class CallScope;
     int run(const ModuleFunction& function) const;
 
@@ -47,4 +47,4 @@ class ExternalCalls {
     Call* running_ = nullptr;
 };
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -12,39 +12,50 @@
 
 namespace drafthost::editor {
 
-// Keywords of acedInitGet: "Yes No", "LType,LT". A name with a leading underscore is the language-independent form of
-// the name in the same place before it ("Oui Non _Yes No").
+// Keywords of acedInitGet: "Yes No", "LType,LT". A name with a leading underscore is the language-independent
+// form of the name in the same place before it ("Oui Non _Yes No").
 class Keywords {
-  public:
+public:
     Keywords() = default;
     explicit Keywords(std::wstring_view list);
     bool empty() const { return entries_.empty(); }
-    // The keyword that the text is or abbreviates (at least its capitals), as the list writes it; nothing when there is
-    // none.
+    // The keyword that the text is or abbreviates (at least its capitals), as the list writes it; nothing
+    // when there is none.
     std::optional<std::wstring> match(std::wstring_view typed) const;
     // "Yes/No" for messages
     std::wstring shown() const;
 
-  private:
+private:
     struct Entry {
         std::wstring name;
-        std::wstring abbreviation;  // empty: the capitals of the name
-        std::wstring result;        // what programs get
+        std::wstring abbreviation; // empty: the capitals of the name
+        std::wstring result;       // what programs get
     };
     std::vector<Entry> entries_;
 };
 
 struct InputRequest {
     enum class Kind {
-        Point, Corner, Distance, Angle, Orientation, Integer, Real, Text, Keyword, Entity, Selection, Cursor
+        Point,
+        Corner,
+        Distance,
+        Angle,
+        Orientation,
+        Integer,
+        Real,
+        Text,
+        Keyword,
+        Entity,
+        Selection,
+        Cursor
     };
     Kind kind = Kind::Text;
     std::wstring prompt;
-    int control = 0;  // InputControl bits
+    int control = 0; // InputControl bits
     Keywords keywords;
     std::optional<AcGePoint3d> base;
-    bool allowBlanks = false;  // Text: a blank does not end it
-    bool tracking = false;     // Cursor: movements count too
+    bool allowBlanks = false; // Text: a blank does not end it
+    bool tracking = false;    // Cursor: movements count too
 };
 
 // What is waited for, for messages: "an integer", "a point or a keyword (Yes/No)".
@@ -57,7 +68,7 @@ std::wstring complaint(const InputRequest& request);
 struct BoxRequest {
     std::wstring caption;
     std::wstring text;
-    std::vector<std::wstring> buttons;  // without "&"
+    std::vector<std::wstring> buttons; // without "&"
 };
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -2,9 +2,10 @@
 
 // Where answers come from: an answers file, the terminal, the words of a (command ...) call, or nowhere.
 //
-// Contract of every source: next() gives the answers in order, one a call, whatever is asked for; when they are used up
-// it gives Exhausted, now and ever after, and warns once on standard error. It is refuse() that decides what an
-// answer that does not fit means. A source never prints to the command line itself, except the complaint of refuse().
+// Contract of every source: next() gives the answers in order, one a call, whatever is asked for; when they
+// are used up it gives Exhausted, now and ever after, and warns once on standard error. It is refuse() that
+// decides what an answer that does not fit means. A source never prints to the command line itself, except
+// the complaint of refuse().
 
 #include <functional>
 #include <memory>
@@ -18,13 +19,14 @@
 namespace drafthost::editor {
 
 class InputSource {
-  public:
+public:
     virtual ~InputSource() = default;
     virtual Answer next(const InputRequest& request) = 0;
     // A dialog waits for a button. Answers of a kind other than Press and Cancel do not fit.
     virtual Answer nextForBox(const BoxRequest& box) = 0;
     // True: the request is put again. False: it counts as cancelled.
-    virtual bool refuse(const Answer& answer, const std::wstring& waitedFor, const std::wstring& complaint) = 0;
+    virtual bool refuse(const Answer& answer, const std::wstring& waitedFor,
+                        const std::wstring& complaint) = 0;
     // The answers must be printed, because the drafter's own typing does not show them.
     virtual bool needsEcho() const { return true; }
     virtual bool showsPrompts() const { return true; }
@@ -32,15 +34,15 @@ class InputSource {
 
 // For runs without a drafter: every response is empty.
 class EmptySource final : public InputSource {
-  public:
+public:
     explicit EmptySource(std::function<void(const std::wstring&)> warn) : warn_(std::move(warn)) {}
     Answer next(const InputRequest& request) override;
     Answer nextForBox(const BoxRequest& box) override;
     bool refuse(const Answer&, const std::wstring&, const std::wstring&) override { return false; }
 
-  private:
+private:
     std::function<void(const std::wstring&)> warn_;
     bool warned_ = false;
 };
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

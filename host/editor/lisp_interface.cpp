@@ -29,7 +29,8 @@ drafthost::lisp::Interpreter* currentInterpreter() {
 
 int setResult(Value value) {
     ExternalCalls::Call* const call = theHost().calls().running();
-    if (!call) return RTERROR;
+    if (!call)
+        return RTERROR;
     call->result.set(value);
     return RTNORM;
 }
@@ -43,14 +44,17 @@ int setMadeResult(Make make) {
 
 // One value as a list of its own; null for nil.
 resbuf* listOfValue(Value value) {
-    if (value.isNil()) return nullptr;
+    if (value.isNil())
+        return nullptr;
     return drafthost::editor::toValueList({&value, 1}).release();
 }
 
 // The first value of a list: a sub-list when it begins one.
 Value firstValue(drafthost::lisp::Interpreter& interpreter, const resbuf* list) {
-    if (!list) return {};
-    if (list->restype != RTLB) return drafthost::editor::fromNode(interpreter, *list);
+    if (!list)
+        return {};
+    if (list->restype != RTLB)
+        return drafthost::editor::fromNode(interpreter, *list);
     const Value values = drafthost::editor::fromValueList(interpreter, list);
     return values.isPair() ? values.car() : Value();
 }
@@ -59,25 +63,30 @@ Value firstValue(drafthost::lisp::Interpreter& interpreter, const resbuf* list) 
 bool isOneList(const resbuf* list) {
     int depth = 0;
     for (; list; list = list->rbnext) {
-        if (list->restype == RTLB) ++depth;
-        if (list->restype == RTLE && --depth == 0) return list->rbnext == nullptr;
-        if (depth == 0) return false;
+        if (list->restype == RTLB)
+            ++depth;
+        if (list->restype == RTLE && --depth == 0)
+            return list->rbnext == nullptr;
+        if (depth == 0)
+            return false;
     }
     return false;
 }
 
-}  // namespace
+} // namespace
 
 int acedDefun(const ACHAR* name, short number) {
     Document* const document = theHost().documents().current();
-    if (!document || !isReadableName(name)) return RTERROR;
+    if (!document || !isReadableName(name))
+        return RTERROR;
     ModuleFunction& function = document->moduleFunction(theHost().modules().running(), number);
     function.name = name;
-    document->interpreter().defineExternal(
-        name, number,
-        [document, &function](drafthost::lisp::Interpreter& interpreter, drafthost::lisp::Arguments arguments) {
-            return theHost().calls().call(*document, function, interpreter, arguments);
-        });
+    document->interpreter().defineExternal(name, number,
+                                           [document, &function](drafthost::lisp::Interpreter& interpreter,
+                                                                 drafthost::lisp::Arguments arguments) {
+                                               return theHost().calls().call(*document, function, interpreter,
+                                                                             arguments);
+                                           });
     return RTNORM;
 }
 
@@ -88,9 +97,11 @@ int acedUndef(const ACHAR* name, short) {
 
 int acedRegFunc(int (*function)(), short number) {
     Document* const document = theHost().documents().current();
-    if (!document || !function) return RTERROR;
+    if (!document || !function)
+        return RTERROR;
     ModuleFunction* const known = document->findModuleFunction(theHost().modules().running(), number);
-    if (!known) return RTERROR;
+    if (!known)
+        return RTERROR;
     known->function = function;
     return RTNORM;
 }
@@ -102,21 +113,28 @@ int acedGetFunCode() {
 
 resbuf* acedGetArgs() {
     ExternalCalls::Call* const call = theHost().calls().running();
-    if (!call || call->arguments.empty()) return nullptr;
+    if (!call || call->arguments.empty())
+        return nullptr;
     resbuf* const list = drafthost::editor::toValueList(call->arguments.values()).release();
     call->argumentList = list;
     return list;
 }
 
-int acedRetNil() { return setResult({}); }
+int acedRetNil() {
+    return setResult({});
+}
 int acedRetT() {
     return setMadeResult([](auto& interpreter) { return interpreter.t(); });
 }
 int acedRetVoid() {
     return setMadeResult([](auto& interpreter) { return interpreter.nullSymbol(); });
 }
-int acedRetInt(int value) { return setResult(Value::integer(value)); }
-int acedRetReal(double value) { return setResult(Value::real(value)); }
+int acedRetInt(int value) {
+    return setResult(Value::integer(value));
+}
+int acedRetReal(double value) {
+    return setResult(Value::real(value));
+}
 int acedRetStr(const ACHAR* text) {
     return setMadeResult([&](auto& interpreter) { return interpreter.string(text ? text : L""); });
 }
@@ -125,7 +143,8 @@ int acedRetPoint(const ads_point point) {
 }
 
 int acedRetName(const ads_name name, int type) {
-    if (type != RTENAME && type != RTPICKS) return RTERROR;
+    if (type != RTENAME && type != RTPICKS)
+        return RTERROR;
     resbuf node = {};
     node.restype = static_cast<short>(type);
     ads_name_set(name, node.resval.rlname);
@@ -140,32 +159,40 @@ int acedRetVal(const resbuf* value) {
 
 int acedRetList(const resbuf* list) {
     return setMadeResult([&](auto& interpreter) {
-        return isOneList(list) ? firstValue(interpreter, list) : drafthost::editor::fromValueList(interpreter, list);
+        return isOneList(list) ? firstValue(interpreter, list)
+                               : drafthost::editor::fromValueList(interpreter, list);
     });
 }
 
 int acedInvoke(const resbuf* call, resbuf** result) {
-    if (result) *result = nullptr;
+    if (result)
+        *result = nullptr;
     auto* const interpreter = currentInterpreter();
-    if (!interpreter || !call || call->restype != RTSTR) return RTERROR;
+    if (!interpreter || !call || call->restype != RTSTR)
+        return RTERROR;
     const Value function = interpreter->findFunction(call->resval.rstring);
-    if (function.isNil()) return RTERROR;
+    if (function.isNil())
+        return RTERROR;
     std::vector<Value> arguments;
     const Value list = drafthost::editor::fromValueList(*interpreter, call->rbnext);
-    for (Value argument : drafthost::lisp::elements(list)) arguments.push_back(argument);
+    for (Value argument : drafthost::lisp::elements(list))
+        arguments.push_back(argument);
     const auto outcome = interpreter->protectedCall(function, arguments);
     if (!outcome.succeeded) {
         // What cannot be caught goes on where the caller returns to LISP.
-        if (outcome.error && outcome.error->kind() == drafthost::lisp::ErrorKind::cancelled) interpreter->requestCancel();
+        if (outcome.error && outcome.error->kind() == drafthost::lisp::ErrorKind::cancelled)
+            interpreter->requestCancel();
         return RTERROR;
     }
-    if (result) *result = listOfValue(outcome.value);
+    if (result)
+        *result = listOfValue(outcome.value);
     return RTNORM;
 }
 
 int acedGetSym(const ACHAR* name, resbuf** value) {
     auto* const interpreter = currentInterpreter();
-    if (!interpreter || !name || !value) return RTERROR;
+    if (!interpreter || !name || !value)
+        return RTERROR;
     const Value found = interpreter->symbolValue(name);
     *value = drafthost::editor::toValueList({&found, 1}).release();
     return RTNORM;
@@ -173,7 +200,8 @@ int acedGetSym(const ACHAR* name, resbuf** value) {
 
 int acedPutSym(const ACHAR* name, const resbuf* value) {
     auto* const interpreter = currentInterpreter();
-    if (!interpreter || !isReadableName(name)) return RTERROR;
+    if (!interpreter || !isReadableName(name))
+        return RTERROR;
     interpreter->setSymbolValue(name, firstValue(*interpreter, value));
     return RTNORM;
 }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr UINT kTimerMilliseconds = 10;
 constexpr const wchar_t* kDialogClass = L"#32770";
-constexpr int kStaticText = 0xFFFF;  // control id of a message box's text
+constexpr int kStaticText = 0xFFFF; // control id of a message box's text
 
 MessageBoxes* installed = nullptr;
 
@@ -35,7 +35,8 @@ std::wstring withoutAmpersand(std::wstring text) {
 }
 
 BOOL CALLBACK takeTopDialog(HWND window, LPARAM result) {
-    if (!IsWindowVisible(window) || !IsWindowEnabled(window) || classOf(window) != kDialogClass) return TRUE;
+    if (!IsWindowVisible(window) || !IsWindowEnabled(window) || classOf(window) != kDialogClass)
+        return TRUE;
     *reinterpret_cast<HWND*>(result) = window;
     return FALSE;
 }
@@ -50,7 +51,8 @@ HWND topDialog() {
 std::vector<HWND> buttonsOf(HWND dialog) {
     std::vector<HWND> buttons;
     for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-        if (equalNames(classOf(child), L"Button") && IsWindowVisible(child)) buttons.push_back(child);
+        if (equalNames(classOf(child), L"Button") && IsWindowVisible(child))
+            buttons.push_back(child);
     }
     return buttons;
 }
@@ -59,7 +61,8 @@ BoxRequest describeBox(HWND dialog) {
     BoxRequest box;
     box.caption = textOf(dialog);
     box.text = textOf(GetDlgItem(dialog, kStaticText));
-    for (HWND button : buttonsOf(dialog)) box.buttons.push_back(withoutAmpersand(textOf(button)));
+    for (HWND button : buttonsOf(dialog))
+        box.buttons.push_back(withoutAmpersand(textOf(button)));
     return box;
 }
 
@@ -74,7 +77,8 @@ HWND findButton(HWND dialog, const Answer& answer) {
 }
 
 void click(HWND dialog, HWND button) {
-    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(button), BN_CLICKED), reinterpret_cast<LPARAM>(button));
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(button), BN_CLICKED),
+                 reinterpret_cast<LPARAM>(button));
 }
 
 // Closes a box that nobody answers with the button that does the least.
@@ -83,7 +87,8 @@ void cancelBox(HWND dialog) {
     for (const int id : {IDCANCEL, IDNO, IDABORT, IDIGNORE, IDOK}) {
         const auto button = std::find_if(buttons.begin(), buttons.end(),
                                          [&](HWND candidate) { return GetDlgCtrlID(candidate) == id; });
-        if (button != buttons.end()) return click(dialog, *button);
+        if (button != buttons.end())
+            return click(dialog, *button);
     }
     PostMessageW(dialog, WM_CLOSE, 0, 0);
 }
@@ -96,10 +101,11 @@ LRESULT CALLBACK noticeDialogs(int code, WPARAM window, LPARAM data) {
 }
 
 void CALLBACK answerOnTimer(HWND, UINT, UINT_PTR, DWORD) {
-    if (installed) installed->answerTopBox();
+    if (installed)
+        installed->answerTopBox();
 }
 
-}  // namespace
+} // namespace
 
 MessageBoxes::MessageBoxes(Host& host) : host_(host) {
     installed = this;
@@ -107,17 +113,21 @@ MessageBoxes::MessageBoxes(Host& host) : host_(host) {
 }
 
 MessageBoxes::~MessageBoxes() {
-    if (timer_) KillTimer(nullptr, timer_);
-    if (hook_) UnhookWindowsHookEx(static_cast<HHOOK>(hook_));
+    if (timer_)
+        KillTimer(nullptr, timer_);
+    if (hook_)
+        UnhookWindowsHookEx(static_cast<HHOOK>(hook_));
     installed = nullptr;
 }
 
 void MessageBoxes::noticed() {
-    if (!timer_) timer_ = SetTimer(nullptr, 0, kTimerMilliseconds, answerOnTimer);
+    if (!timer_)
+        timer_ = SetTimer(nullptr, 0, kTimerMilliseconds, answerOnTimer);
 }
 
 void MessageBoxes::answerTopBox() {
-    if (answering_) return;
+    if (answering_)
+        return;
     const HWND dialog = topDialog();
     if (!dialog) {
         KillTimer(nullptr, timer_);
@@ -137,7 +147,8 @@ void MessageBoxes::answerTopBox() {
             click(dialog, button);
         } else if (answer.kind == Answer::Kind::Cancel || answer.kind == Answer::Kind::Exhausted) {
             cancelBox(dialog);
-        } else if (!host_.input().refuse(answer, L"a button of \"" + box.caption + L"\"", L"There is no such button.")) {
+        } else if (!host_.input().refuse(answer, L"a button of \"" + box.caption + L"\"",
+                                         L"There is no such button.")) {
             cancelBox(dialog);
         }
     }
@@ -145,4 +156,4 @@ void MessageBoxes::answerTopBox() {
     answering_ = false;
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

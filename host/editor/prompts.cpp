@@ -10,12 +10,20 @@ namespace {
 
 using Kind = InputRequest::Kind;
 
-bool wantsPoint(Kind kind) { return kind == Kind::Point || kind == Kind::Corner; }
-bool wantsAngle(Kind kind) { return kind == Kind::Angle || kind == Kind::Orientation; }
-bool measuresBetweenPoints(Kind kind) { return kind == Kind::Distance || wantsAngle(kind); }
+bool wantsPoint(Kind kind) {
+    return kind == Kind::Point || kind == Kind::Corner;
+}
+bool wantsAngle(Kind kind) {
+    return kind == Kind::Angle || kind == Kind::Orientation;
+}
+bool measuresBetweenPoints(Kind kind) {
+    return kind == Kind::Distance || wantsAngle(kind);
+}
 
 // Texts and selections know no keywords; the rest of what acedInitGet set does not matter to them either.
-bool takesInitGet(Kind kind) { return kind != Kind::Text && kind != Kind::Cursor; }
+bool takesInitGet(Kind kind) {
+    return kind != Kind::Text && kind != Kind::Cursor;
+}
 
 InputResult ofStatus(int status, const Answer& answer) {
     InputResult result;
@@ -40,8 +48,10 @@ InputResult ofNumber(const Answer& answer, double number) {
 const wchar_t* refusedNumber(int control, double value) {
     const bool zero = (control & RSG_NOZERO) && value == 0;
     const bool negative = (control & RSG_NONEG) && value < 0;
-    if (!zero && !negative) return nullptr;
-    if ((control & RSG_NOZERO) && (control & RSG_NONEG)) return L"Value must be positive and nonzero.";
+    if (!zero && !negative)
+        return nullptr;
+    if ((control & RSG_NOZERO) && (control & RSG_NONEG))
+        return L"Value must be positive and nonzero.";
     return zero ? L"Value must be nonzero." : L"Value must be positive.";
 }
 
@@ -49,7 +59,8 @@ const wchar_t* refusedNumber(int control, double value) {
 constexpr int kLargestInteger = 32767;
 constexpr const wchar_t* kIntegerRange = L"Requires an integer between -32768 and 32767.";
 
-std::optional<InputResult> fromNumber(const InputRequest& request, const Answer& answer, std::wstring& complaint) {
+std::optional<InputResult> fromNumber(const InputRequest& request, const Answer& answer,
+                                      std::wstring& complaint) {
     const double value = answer.kind == Answer::Kind::Integer ? answer.integer : answer.number;
     if (const wchar_t* refused = refusedNumber(request.control, value)) {
         complaint = refused;
@@ -57,7 +68,8 @@ std::optional<InputResult> fromNumber(const InputRequest& request, const Answer&
     }
     InputResult result = ofNumber(answer, value);
     if (request.kind == Kind::Integer) {
-        if (answer.kind != Answer::Kind::Integer) return std::nullopt;
+        if (answer.kind != Answer::Kind::Integer)
+            return std::nullopt;
         if (answer.integer > kLargestInteger || answer.integer < -kLargestInteger - 1) {
             complaint = kIntegerRange;
             return std::nullopt;
@@ -69,38 +81,43 @@ std::optional<InputResult> fromNumber(const InputRequest& request, const Answer&
 
 std::optional<InputResult> fromSelectionAnswer(const Answer& answer) {
     switch (answer.kind) {
-        case Answer::Kind::Window:
-        case Answer::Kind::Crossing:
-        case Answer::Kind::Add:
-        case Answer::Kind::Pick:
-        case Answer::Kind::Point:
-        case Answer::Kind::Entity:
-        case Answer::Kind::Set:
-        case Answer::Kind::Typed:
-        case Answer::Kind::All: return ofStatus(RTNORM, answer);
-        case Answer::Kind::Done: return ofStatus(RTNONE, answer);
-        default: return std::nullopt;
+    case Answer::Kind::Window:
+    case Answer::Kind::Crossing:
+    case Answer::Kind::Add:
+    case Answer::Kind::Pick:
+    case Answer::Kind::Point:
+    case Answer::Kind::Entity:
+    case Answer::Kind::Set:
+    case Answer::Kind::Typed:
+    case Answer::Kind::All:
+        return ofStatus(RTNORM, answer);
+    case Answer::Kind::Done:
+        return ofStatus(RTNONE, answer);
+    default:
+        return std::nullopt;
     }
 }
 
 std::optional<InputResult> fromCursorAnswer(const InputRequest& request, const Answer& answer) {
     switch (answer.kind) {
-        case Answer::Kind::Move:
-            if (!request.tracking) return std::nullopt;
-            [[fallthrough]];
-        case Answer::Kind::Point:
-        case Answer::Kind::Text:
-        case Answer::Kind::Keyword:
-        case Answer::Kind::Typed: {
-            InputResult result = ofText(RTNORM, answer, answer.text);
-            result.point = answer.point;
-            return result;
-        }
-        default: return std::nullopt;
+    case Answer::Kind::Move:
+        if (!request.tracking)
+            return std::nullopt;
+        [[fallthrough]];
+    case Answer::Kind::Point:
+    case Answer::Kind::Text:
+    case Answer::Kind::Keyword:
+    case Answer::Kind::Typed: {
+        InputResult result = ofText(RTNORM, answer, answer.text);
+        result.point = answer.point;
+        return result;
+    }
+    default:
+        return std::nullopt;
     }
 }
 
-}  // namespace
+} // namespace
 
 void Prompts::initGet(int control, std::wstring_view keywords) {
     control_ = control;
@@ -108,41 +125,45 @@ void Prompts::initGet(int control, std::wstring_view keywords) {
 }
 
 void Prompts::show(const InputRequest& request) {
-    if (surroundings_.source().showsPrompts()) surroundings_.commandLine().write(request.prompt);
+    if (surroundings_.source().showsPrompts())
+        surroundings_.commandLine().write(request.prompt);
 }
 
 void Prompts::echo(const Answer& answer) {
-    if (answer.kind == Answer::Kind::Exhausted || !surroundings_.source().needsEcho()) return;
+    if (answer.kind == Answer::Kind::Exhausted || !surroundings_.source().needsEcho())
+        return;
     surroundings_.commandLine().write(shownText(answer) + L"\n");
 }
 
 InputResult Prompts::ask(InputRequest request) {
-    if (takesInitGet(request.kind)) {
-        if (!control_ && keywords_.empty()) {
-            // Commands give their keywords with the request.
-        } else {
-            request.control = control_;
-            request.keywords = keywords_;
-        }
+    // Commands give their bits and keywords with the request.
+    if (takesInitGet(request.kind) && (control_ || !keywords_.empty())) {
+        request.control = control_;
+        request.keywords = keywords_;
     }
     control_ = 0;
     keywords_ = Keywords();
     show(request);
     for (;;) {
-        if (surroundings_.stopped()) return ofStatus(RTCAN, Answer::of(Answer::Kind::Cancel));
+        if (surroundings_.stopped())
+            return ofStatus(RTCAN, Answer::of(Answer::Kind::Cancel));
         surroundings_.commandLine().flush();
         InputSource& source = surroundings_.source();
         const Answer answer = source.next(request);
         // Without a click a movement answers nothing; it only drags what hangs at the cursor.
-        if (answer.kind == Answer::Kind::Move && request.kind != Kind::Cursor && wantsPoint(request.kind)) continue;
+        if (answer.kind == Answer::Kind::Move && request.kind != Kind::Cursor && wantsPoint(request.kind))
+            continue;
         echo(answer);
         std::wstring problem;
         if (std::optional<InputResult> result = interpret(request, answer, problem)) {
-            if (result->status == RTKWORD || request.kind == Kind::Keyword) lastInput_ = result->text;
-            if (result->status == RTNORM && wantsPoint(request.kind)) lastPoint_ = result->point;
+            if (result->status == RTKWORD || request.kind == Kind::Keyword)
+                lastInput_ = result->text;
+            if (result->status == RTNORM && wantsPoint(request.kind))
+                lastPoint_ = result->point;
             return *result;
         }
-        if (problem.empty()) problem = complaint(request);
+        if (problem.empty())
+            problem = complaint(request);
         if (!source.refuse(answer, describe(request), problem)) {
             return ofStatus(RTCAN, Answer::of(Answer::Kind::Cancel));
         }
@@ -151,34 +172,48 @@ InputResult Prompts::ask(InputRequest request) {
 }
 
 std::optional<InputResult> Prompts::interpretEmpty(const InputRequest& request, const Answer& answer) const {
-    if (request.kind == Kind::Text) return ofText(RTNORM, answer, L"");
-    if (!(request.control & RSG_NONULL)) return ofStatus(RTNONE, answer);
-    if (answer.kind == Answer::Kind::Exhausted) return ofStatus(RTCAN, answer);
+    if (request.kind == Kind::Text)
+        return ofText(RTNORM, answer, L"");
+    if (!(request.control & RSG_NONULL))
+        return ofStatus(RTNONE, answer);
+    if (answer.kind == Answer::Kind::Exhausted)
+        return ofStatus(RTCAN, answer);
     return std::nullopt;
 }
 
 std::optional<InputResult> Prompts::interpret(const InputRequest& request, const Answer& answer,
                                               std::wstring& complaint) {
     switch (answer.kind) {
-        case Answer::Kind::Cancel: return ofStatus(RTCAN, answer);
-        case Answer::Kind::Enter:
-        case Answer::Kind::Exhausted: return interpretEmpty(request, answer);
-        case Answer::Kind::Typed: return interpretTyped(request, answer, complaint);
-        case Answer::Kind::Keyword:
-            if (request.kind == Kind::Cursor) break;
-            if (const auto keyword = request.keywords.match(answer.text)) {
-                return ofText(request.kind == Kind::Keyword ? RTNORM : RTKWORD, answer, *keyword);
-            }
-            if (request.control & RSG_OTHER) return ofText(RTKWORD, answer, answer.text);
-            return std::nullopt;
-        default: break;
+    case Answer::Kind::Cancel:
+        return ofStatus(RTCAN, answer);
+    case Answer::Kind::Enter:
+    case Answer::Kind::Exhausted:
+        return interpretEmpty(request, answer);
+    case Answer::Kind::Typed:
+        return interpretTyped(request, answer, complaint);
+    case Answer::Kind::Keyword:
+        if (request.kind == Kind::Cursor)
+            break;
+        if (const auto keyword = request.keywords.match(answer.text)) {
+            return ofText(request.kind == Kind::Keyword ? RTNORM : RTKWORD, answer, *keyword);
+        }
+        if (request.control & RSG_OTHER)
+            return ofText(RTKWORD, answer, answer.text);
+        return std::nullopt;
+    default:
+        break;
     }
-    if (request.kind == Kind::Selection) return fromSelectionAnswer(answer);
-    if (request.kind == Kind::Cursor) return fromCursorAnswer(request, answer);
-    if (answer.kind == Answer::Kind::Point) return fromPoint(request, answer, complaint);
+    if (request.kind == Kind::Selection)
+        return fromSelectionAnswer(answer);
+    if (request.kind == Kind::Cursor)
+        return fromCursorAnswer(request, answer);
+    if (answer.kind == Answer::Kind::Point)
+        return fromPoint(request, answer, complaint);
     if (answer.kind == Answer::Kind::Text) {
-        if (request.kind == Kind::Text) return ofText(RTNORM, answer, answer.text);
-        if (request.control & RSG_OTHER) return ofText(RTKWORD, answer, answer.text);
+        if (request.kind == Kind::Text)
+            return ofText(RTNORM, answer, answer.text);
+        if (request.control & RSG_OTHER)
+            return ofText(RTKWORD, answer, answer.text);
         return std::nullopt;
     }
     if (request.kind == Kind::Entity) {
@@ -189,7 +224,8 @@ std::optional<InputResult> Prompts::interpret(const InputRequest& request, const
         return fromNumber(request, answer, complaint);
     }
     const bool number = answer.kind == Answer::Kind::Real || answer.kind == Answer::Kind::Integer;
-    if (number && (request.kind == Kind::Integer || request.kind == Kind::Real || request.kind == Kind::Distance)) {
+    if (number &&
+        (request.kind == Kind::Integer || request.kind == Kind::Real || request.kind == Kind::Distance)) {
         return fromNumber(request, answer, complaint);
     }
     return std::nullopt;
@@ -200,8 +236,10 @@ std::optional<InputResult> Prompts::fromPoint(const InputRequest& request, const
     InputResult result = ofStatus(RTNORM, answer);
     result.point = answer.point;
     result.dimension = answer.dimension;
-    if (wantsPoint(request.kind)) return result;
-    if (!measuresBetweenPoints(request.kind)) return std::nullopt;
+    if (wantsPoint(request.kind))
+        return result;
+    if (!measuresBetweenPoints(request.kind))
+        return std::nullopt;
     AcGePoint3d from = answer.point, to = answer.point;
     if (request.base) {
         from = *request.base;
@@ -212,11 +250,13 @@ std::optional<InputResult> Prompts::fromPoint(const InputRequest& request, const
         second.control = RSG_NONULL;
         second.base = from;
         const InputResult other = ask(second);
-        if (other.status != RTNORM) return ofStatus(RTCAN, other.answer);
+        if (other.status != RTNORM)
+            return ofStatus(RTCAN, other.answer);
         to = other.point;
     }
     AcGeVector3d difference = to - from;
-    if (request.control & RSG_2D) difference.z = 0;
+    if (request.control & RSG_2D)
+        difference.z = 0;
     Answer measured = answer;
     measured.kind = wantsAngle(request.kind) ? Answer::Kind::Angle : Answer::Kind::Real;
     measured.number = wantsAngle(request.kind) ? difference.convert2d().angle() : difference.length();
@@ -227,39 +267,47 @@ std::optional<InputResult> Prompts::fromPoint(const InputRequest& request, const
 std::optional<Answer> Prompts::understand(const InputRequest& request, const std::wstring& text) const {
     Answer answer;
     const auto number = [&](Answer::Kind kind, std::optional<double> value) -> std::optional<Answer> {
-        if (!value) return std::nullopt;
+        if (!value)
+            return std::nullopt;
         answer.kind = kind;
         answer.number = *value;
         return answer;
     };
     if (request.kind == Kind::Integer) {
         const auto value = typedInteger(text);
-        if (!value) return std::nullopt;
+        if (!value)
+            return std::nullopt;
         answer.kind = Answer::Kind::Integer;
         answer.integer = *value;
         return answer;
     }
     if (request.kind == Kind::Real || request.kind == Kind::Distance) {
-        if (auto real = number(Answer::Kind::Real, typedReal(text))) return real;
+        if (auto real = number(Answer::Kind::Real, typedReal(text)))
+            return real;
     }
     if (wantsAngle(request.kind)) {
         auto angle = typedAngle(text);
-        if (angle && request.kind == Kind::Orientation) *angle += surroundings_.angleBase();
-        if (angle) return number(Answer::Kind::Angle, angle);
+        if (angle && request.kind == Kind::Orientation)
+            *angle += surroundings_.angleBase();
+        if (angle)
+            return number(Answer::Kind::Angle, angle);
     }
     const auto point = typedPoint(text, lastPoint_, surroundings_.worldToUcs());
-    if (!point) return std::nullopt;
-    return Answer::ofPoint(request.kind == Kind::Entity ? Answer::Kind::Pick : Answer::Kind::Point, point->point,
-                           point->dimension);
+    if (!point)
+        return std::nullopt;
+    return Answer::ofPoint(request.kind == Kind::Entity ? Answer::Kind::Pick : Answer::Kind::Point,
+                           point->point, point->dimension);
 }
 
 std::optional<InputResult> Prompts::interpretTyped(const InputRequest& request, const Answer& answer,
                                                    std::wstring& complaint) {
     const std::wstring& text = answer.text;
-    if (text.empty()) return interpretEmpty(request, answer);
+    if (text.empty())
+        return interpretEmpty(request, answer);
     if (request.kind == Kind::Cursor || request.kind == Kind::Selection) {
         const auto point = typedPoint(text, lastPoint_, surroundings_.worldToUcs());
-        if (point) return interpret(request, Answer::ofPoint(Answer::Kind::Point, point->point), complaint);
+        if (point)
+            return interpret(request, Answer::ofPoint(Answer::Kind::Point, point->point), complaint);
         return request.kind == Kind::Cursor ? fromCursorAnswer(request, answer) : fromSelectionAnswer(answer);
     }
     if (request.kind != Kind::Text && (text[0] == L'(' || text[0] == L'!')) {
@@ -277,8 +325,9 @@ std::optional<InputResult> Prompts::interpretTyped(const InputRequest& request, 
             return interpret(request, *understood, complaint);
         }
     }
-    if (request.control & RSG_OTHER) return ofText(RTKWORD, answer, text);
+    if (request.control & RSG_OTHER)
+        return ofText(RTKWORD, answer, text);
     return std::nullopt;
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

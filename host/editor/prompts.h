@@ -1,7 +1,7 @@
 #pragma once
 
-// Asking the drafter: prints prompts, takes answers from the current input source, checks them against what is waited
-// for, and asks again where the source has somebody to ask.
+// Asking the drafter: prints prompts, takes answers from the current input source, checks them against what
+// is waited for, and asks again where the source has somebody to ask.
 
 #include <functional>
 #include <optional>
@@ -13,31 +13,31 @@
 namespace drafthost::editor {
 
 struct InputResult {
-    int status = RTNONE;  // RTNORM, RTNONE, RTCAN or RTKWORD, as acedGet... answers
+    int status = RTNONE; // RTNORM, RTNONE, RTCAN or RTKWORD, as acedGet... answers
     AcGePoint3d point = {};
     int dimension = 3;
     double number = 0;
     int integer = 0;
-    std::wstring text = {};  // keyword or text
-    Answer answer = {};      // as given, for selection, picks and the cursor
+    std::wstring text = {}; // keyword or text
+    Answer answer = {};     // as given, for selection, picks and the cursor
 };
 
 // What prompts need of the document they run in.
 class PromptSurroundings {
-  public:
+public:
     virtual ~PromptSurroundings() = default;
     virtual InputSource& source() = 0;
     virtual CommandLine& commandLine() = 0;
     // The run is being ended or the drafter pressed Ctrl-C: nothing is asked any more.
     virtual bool stopped() const = 0;
     virtual AcGeMatrix3d worldToUcs() const = 0;
-    virtual double angleBase() const = 0;  // ANGBASE, radians
+    virtual double angleBase() const = 0; // ANGBASE, radians
     // An expression or !variable typed as an answer; nothing when it failed or has no use as one.
     virtual std::optional<Answer> evaluateTyped(const std::wstring& text) = 0;
 };
 
 class Prompts {
-  public:
+public:
     explicit Prompts(PromptSurroundings& surroundings) : surroundings_(surroundings) {}
 
     // For the next request only.
@@ -50,13 +50,15 @@ class Prompts {
     AcGePoint3d lastPoint() const { return lastPoint_; }
     void setLastPoint(const AcGePoint3d& point) { lastPoint_ = point; }
 
-  private:
+private:
     // Nothing: the answer does not fit, for the reason in complaint.
-    std::optional<InputResult> interpret(const InputRequest& request, const Answer& answer, std::wstring& complaint);
+    std::optional<InputResult> interpret(const InputRequest& request, const Answer& answer,
+                                         std::wstring& complaint);
     std::optional<InputResult> interpretTyped(const InputRequest& request, const Answer& answer,
                                               std::wstring& complaint);
     std::optional<InputResult> interpretEmpty(const InputRequest& request, const Answer& answer) const;
-    std::optional<InputResult> fromPoint(const InputRequest& request, const Answer& answer, std::wstring& complaint);
+    std::optional<InputResult> fromPoint(const InputRequest& request, const Answer& answer,
+                                         std::wstring& complaint);
     std::optional<Answer> understand(const InputRequest& request, const std::wstring& text) const;
     void show(const InputRequest& request);
     void echo(const Answer& answer);
@@ -68,4 +70,4 @@ class Prompts {
     AcGePoint3d lastPoint_;
 };
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -21,14 +21,16 @@ using Ids = std::vector<AcDbObjectId>;
 
 // "_W:S" taken apart.
 struct Mode {
-    std::wstring method;  // upper case
+    std::wstring method; // upper case
     bool single = false, unlockedOnly = false;
 
     explicit Mode(const std::wstring& text) {
         const std::size_t colon = text.find(L':');
         method = foldCase(text.substr(0, colon));
-        if (method.starts_with(L"_")) method.erase(0, 1);
-        if (colon == std::wstring::npos) return;
+        if (method.starts_with(L"_"))
+            method.erase(0, 1);
+        if (colon == std::wstring::npos)
+            return;
         const std::wstring flags = foldCase(text.substr(colon));
         single = flags.find(L'S') != std::wstring::npos;
         unlockedOnly = flags.find(L'L') != std::wstring::npos;
@@ -37,14 +39,16 @@ struct Mode {
 
 bool isOnLockedLayer(AcDbObjectId id) {
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-    if (!entity) return false;
+    if (!entity)
+        return false;
     const AcDbObjectPointer<AcDbLayerTableRecord> layer(entity->layerId(), AcDb::kForRead);
     return layer && layer->isLocked();
 }
 
 bool isOnFrozenLayer(AcDbObjectId id) {
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-    if (!entity) return false;
+    if (!entity)
+        return false;
     const AcDbObjectPointer<AcDbLayerTableRecord> layer(entity->layerId(), AcDb::kForRead);
     return layer && layer->isFrozen();
 }
@@ -54,22 +58,26 @@ Ids wholeDrawing(const AcDbDatabase& database) {
     Ids entities;
     for (const AcDbObjectId space : {database.paperSpaceId(), database.modelSpaceId()}) {
         const AcDbObjectPointer<AcDbBlockTableRecord> block(space, AcDb::kForRead);
-        if (!block) continue;
-        for (const AcDbObjectId id : block->entityIds()) entities.push_back(id);
+        if (!block)
+            continue;
+        for (const AcDbObjectId id : block->entityIds())
+            entities.push_back(id);
     }
     std::reverse(entities.begin(), entities.end());
     return entities;
 }
 
 class Selector {
-  public:
+public:
     Selector(Document& document, const SelectRequest& request)
-        : document_(document), request_(request), mode_(request.mode), toWorld_(ucsToWorld(*document.database())) {}
+        : document_(document), request_(request), mode_(request.mode),
+          toWorld_(ucsToWorld(*document.database())) {}
 
     SelectResult run() {
         Ids found;
         const std::wstring& method = mode_.method;
-        if (method.empty() && request_.points.empty()) return askDrafter();
+        if (method.empty() && request_.points.empty())
+            return askDrafter();
         if (method.empty()) {
             found = at(request_.points.front());
         } else if (method == L"X") {
@@ -89,10 +97,12 @@ class Selector {
         return finish(set);
     }
 
-  private:
+private:
     SelectResult finish(const std::shared_ptr<SelectionSet>& set) {
-        if (set->members().empty()) return {RTERROR, nullptr};
-        if (mode_.method != L"X") document_.setPreviousSelection(set);
+        if (set->members().empty())
+            return {RTERROR, nullptr};
+        if (mode_.method != L"X")
+            document_.setPreviousSelection(set);
         return {RTNORM, set};
     }
 
@@ -103,7 +113,8 @@ class Selector {
     // Number of entities that were added.
     int add(const Ids& entities, SelectionSet& set) const {
         int count = 0;
-        for (const AcDbObjectId id : entities) count += passes(id) && set.add(id);
+        for (const AcDbObjectId id : entities)
+            count += passes(id) && set.add(id);
         return count;
     }
 
@@ -129,7 +140,8 @@ class Selector {
     }
     Region polygon(const std::vector<AcGePoint3d>& corners) const {
         Region region;
-        for (const AcGePoint3d& corner : corners) region.corners.push_back((toWorld_ * corner).convert2d());
+        for (const AcGePoint3d& corner : corners)
+            region.corners.push_back((toWorld_ * corner).convert2d());
         return region;
     }
 
@@ -137,7 +149,8 @@ class Selector {
         Ids found = visibleEntities(*document_.database());
         std::erase_if(found, [&](AcDbObjectId id) {
             const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-            if (!entity) return true;
+            if (!entity)
+                return true;
             const Outline outline = outlineOf(*entity);
             return !(crossing ? touches(outline, region) : liesInside(outline, region));
         });
@@ -147,14 +160,17 @@ class Selector {
     bool byRegion(const std::wstring& method, Ids& found) const {
         const bool window = method == L"W", crossing = method == L"C" || method == L"BOX";
         if (window || crossing) {
-            if (request_.points.size() < 2) return false;
+            if (request_.points.size() < 2)
+                return false;
             found = inRegion(rectangle(request_.points[0], request_.points[1]), crossing);
             return true;
         }
-        if (method != L"WP" && method != L"CP" && method != L"F") return false;
+        if (method != L"WP" && method != L"CP" && method != L"F")
+            return false;
         Region region = polygon(request_.points);
         region.fence = method == L"F";
-        if (region.corners.size() < (region.fence ? 2u : 3u)) return false;
+        if (region.corners.size() < (region.fence ? 2u : 3u))
+            return false;
         found = inRegion(region, method != L"WP");
         return true;
     }
@@ -169,34 +185,45 @@ class Selector {
                                       : prompt(request_.addPrompt, L"\nSelect objects: ");
             request.keywords = Keywords(request_.keywords);
             const InputResult answer = document_.prompts().ask(request);
-            if (answer.status == RTCAN) return {RTCAN, nullptr};
-            if (answer.status == RTNONE) break;
-            if (answer.status == RTKWORD) continue;
+            if (answer.status == RTCAN)
+                return {RTCAN, nullptr};
+            if (answer.status == RTNONE)
+                break;
+            if (answer.status == RTKWORD)
+                continue;
             Ids found;
             const Taken taken = take(answer.answer, found, removing);
-            if (taken == Taken::Cancelled) return {RTCAN, nullptr};
-            if (taken == Taken::Nothing) continue;
+            if (taken == Taken::Cancelled)
+                return {RTCAN, nullptr};
+            if (taken == Taken::Nothing)
+                continue;
             apply(found, *set, removing);
-            if (mode_.single) break;
+            if (mode_.single)
+                break;
         }
         return finish(set);
     }
 
-    static std::wstring prompt(const std::wstring& own, const wchar_t* usual) { return own.empty() ? usual : own; }
+    static std::wstring prompt(const std::wstring& own, const wchar_t* usual) {
+        return own.empty() ? usual : own;
+    }
 
     void apply(const Ids& found, SelectionSet& set, bool removing) {
         int count = 0;
         if (removing) {
-            for (const AcDbObjectId id : found) count += set.remove(id);
+            for (const AcDbObjectId id : found)
+                count += set.remove(id);
         } else {
             count = add(found, set);
         }
         CommandLine& line = document_.commandLine();
-        if (!document_.source().showsPrompts()) return;
+        if (!document_.source().showsPrompts())
+            return;
         const std::size_t total = set.members().size();
         line.freshLine();
         line.write(std::to_wstring(count) + (removing ? L" removed" : L" found"));
-        if (static_cast<std::size_t>(count) != total) line.write(L", " + std::to_wstring(total) + L" total");
+        if (static_cast<std::size_t>(count) != total)
+            line.write(L", " + std::to_wstring(total) + L" total");
         line.write(L"\n");
     }
 
@@ -204,18 +231,28 @@ class Selector {
 
     Taken take(const Answer& answer, Ids& found, bool& removing) {
         switch (answer.kind) {
-            case Answer::Kind::Window:
-            case Answer::Kind::Crossing:
-                found = inRegion(rectangle(answer.point, answer.second), answer.kind == Answer::Kind::Crossing);
-                return Taken::Entities;
-            case Answer::Kind::Add:
-            case Answer::Kind::Pick:
-            case Answer::Kind::Point: found = at(answer.point); return Taken::Entities;
-            case Answer::Kind::All: found = visibleEntities(*document_.database()); return Taken::Entities;
-            case Answer::Kind::Entity: found = {answer.entity}; return Taken::Entities;
-            case Answer::Kind::Set: found = membersOf(answer.set); return Taken::Entities;
-            case Answer::Kind::Typed: return takeTyped(answer.text, found, removing);
-            default: return Taken::Nothing;
+        case Answer::Kind::Window:
+        case Answer::Kind::Crossing:
+            found = inRegion(rectangle(answer.point, answer.second), answer.kind == Answer::Kind::Crossing);
+            return Taken::Entities;
+        case Answer::Kind::Add:
+        case Answer::Kind::Pick:
+        case Answer::Kind::Point:
+            found = at(answer.point);
+            return Taken::Entities;
+        case Answer::Kind::All:
+            found = visibleEntities(*document_.database());
+            return Taken::Entities;
+        case Answer::Kind::Entity:
+            found = {answer.entity};
+            return Taken::Entities;
+        case Answer::Kind::Set:
+            found = membersOf(answer.set);
+            return Taken::Entities;
+        case Answer::Kind::Typed:
+            return takeTyped(answer.text, found, removing);
+        default:
+            return Taken::Nothing;
         }
     }
 
@@ -240,8 +277,9 @@ class Selector {
             Answer refused = Answer::ofText(Answer::Kind::Typed, text);
             InputRequest request;
             request.kind = InputRequest::Kind::Selection;
-            return document_.source().refuse(refused, describe(request), complaint(request)) ? Taken::Nothing
-                                                                                            : Taken::Cancelled;
+            return document_.source().refuse(refused, describe(request), complaint(request))
+                       ? Taken::Nothing
+                       : Taken::Cancelled;
         }
         return Taken::Entities;
     }
@@ -258,9 +296,11 @@ class Selector {
     Taken askRectangle(Ids& found, bool crossing) {
         bool cancelled = false;
         const auto first = askPoint(InputRequest::Kind::Point, L"Specify first corner: ", cancelled);
-        if (!first) return cancelled ? Taken::Cancelled : Taken::Nothing;
+        if (!first)
+            return cancelled ? Taken::Cancelled : Taken::Nothing;
         const auto second = askPoint(InputRequest::Kind::Corner, L"Specify opposite corner: ", cancelled);
-        if (!second) return cancelled ? Taken::Cancelled : Taken::Nothing;
+        if (!second)
+            return cancelled ? Taken::Cancelled : Taken::Nothing;
         found = inRegion(rectangle(*first, *second), crossing);
         return Taken::Entities;
     }
@@ -271,10 +311,12 @@ class Selector {
         while (const auto corner = askPoint(InputRequest::Kind::Point, L"Specify next point: ", cancelled)) {
             corners.push_back(*corner);
         }
-        if (cancelled) return Taken::Cancelled;
+        if (cancelled)
+            return Taken::Cancelled;
         Region region = polygon(corners);
         region.fence = word == L"Fence";
-        if (region.corners.size() < (region.fence ? 2u : 3u)) return Taken::Nothing;
+        if (region.corners.size() < (region.fence ? 2u : 3u))
+            return Taken::Nothing;
         found = inRegion(region, word != L"WPolygon");
         return Taken::Entities;
     }
@@ -285,8 +327,10 @@ class Selector {
     AcGeMatrix3d toWorld_;
 };
 
-}  // namespace
+} // namespace
 
-SelectResult select(Document& document, const SelectRequest& request) { return Selector(document, request).run(); }
+SelectResult select(Document& document, const SelectRequest& request) {
+    return Selector(document, request).run();
+}
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -29,20 +29,30 @@ constexpr Bracket kBrackets[] = {{L"<AND", L"AND>", Combination::All},
 
 bool compare(const std::wstring& operation, double actual, double wanted) {
     const bool equal = std::abs(actual - wanted) <= kFuzz;
-    if (operation == L"*") return true;
-    if (operation == L"=" || operation == L"==") return equal;
-    if (operation == L"!=" || operation == L"/=" || operation == L"<>") return !equal;
-    if (operation == L"<") return actual < wanted && !equal;
-    if (operation == L"<=") return actual < wanted || equal;
-    if (operation == L">") return actual > wanted && !equal;
-    if (operation == L">=") return actual > wanted || equal;
+    if (operation == L"*")
+        return true;
+    if (operation == L"=" || operation == L"==")
+        return equal;
+    if (operation == L"!=" || operation == L"/=" || operation == L"<>")
+        return !equal;
+    if (operation == L"<")
+        return actual < wanted && !equal;
+    if (operation == L"<=")
+        return actual < wanted || equal;
+    if (operation == L">")
+        return actual > wanted && !equal;
+    if (operation == L">=")
+        return actual > wanted || equal;
     const auto bits = static_cast<std::int64_t>(actual), mask = static_cast<std::int64_t>(wanted);
-    if (operation == L"&") return (bits & mask) != 0;
-    if (operation == L"&=") return (bits & mask) == mask;
+    if (operation == L"&")
+        return (bits & mask) != 0;
+    if (operation == L"&=")
+        return (bits & mask) == mask;
     return false;
 }
 
-constexpr const wchar_t* kRelations[] = {L"*", L"=", L"==", L"!=", L"/=", L"<>", L"<", L"<=", L">", L">=", L"&", L"&="};
+constexpr const wchar_t* kRelations[] = {L"*", L"=",  L"==", L"!=", L"/=", L"<>",
+                                         L"<", L"<=", L">",  L">=", L"&",  L"&="};
 
 // The operators of "<,<,*"; empty when one of them is no operator.
 std::vector<std::wstring> relations(const std::wstring& text) {
@@ -51,8 +61,10 @@ std::vector<std::wstring> relations(const std::wstring& text) {
     for (;;) {
         const std::size_t comma = text.find(L',', start);
         parts.push_back(text.substr(start, comma - start));
-        if (std::find(std::begin(kRelations), std::end(kRelations), parts.back()) == std::end(kRelations)) return {};
-        if (comma == std::wstring::npos) return parts;
+        if (std::find(std::begin(kRelations), std::end(kRelations), parts.back()) == std::end(kRelations))
+            return {};
+        if (comma == std::wstring::npos)
+            return parts;
         start = comma + 1;
     }
 }
@@ -66,32 +78,36 @@ constexpr NumberDefault kNumberDefaults[] = {{62, 256}, {48, 1}, {39, 0}, {60, 0
 
 DxfGroup leftOut(short code) {
     for (const NumberDefault& row : kNumberDefaults) {
-        if (row.code != code) continue;
+        if (row.code != code)
+            continue;
         return dxfKind(code) == DxfKind::Real ? DxfGroup{code, row.value}
                                               : DxfGroup{code, static_cast<std::int64_t>(row.value)};
     }
-    if (code == 6) return {code, std::wstring(L"BYLAYER")};
-    if (code == 210) return {code, AcGePoint3d(0, 0, 1)};
-    if (code == 410) return {code, std::wstring(L"Model")};
+    if (code == 6)
+        return {code, std::wstring(L"BYLAYER")};
+    if (code == 210)
+        return {code, AcGePoint3d(0, 0, 1)};
+    if (code == 410)
+        return {code, std::wstring(L"Model")};
     return {code, std::wstring()};
 }
 
-}  // namespace
+} // namespace
 
 struct SelectionFilter::Test {
     Combination combination = Combination::All;
-    std::vector<Test> parts;              // of a combination
+    std::vector<Test> parts; // of a combination
     bool isGroup = false;
-    DxfGroup group;                       // wanted
-    std::vector<std::wstring> relation;   // empty: equal
-    std::vector<std::wstring> applications;  // patterns; of a test for extended data
+    DxfGroup group;                         // wanted
+    std::vector<std::wstring> relation;     // empty: equal
+    std::vector<std::wstring> applications; // patterns; of a test for extended data
 
     bool holds(const class EntityData& data) const;
 };
 
 // The groups of one entity, fetched when a test needs more than type and layer.
 class EntityData {
-  public:
+public:
     explicit EntityData(AcDbObjectId id) : id_(id), object_(peek<AcDbEntity>(id)) {}
 
     bool hasObject() const { return object_ != nullptr; }
@@ -108,19 +124,23 @@ class EntityData {
         return applications_;
     }
 
-  private:
+private:
     void fetch() const {
-        if (fetched_) return;
+        if (fetched_)
+            return;
         fetched_ = true;
         ads_name name = {0, 0};
-        if (acdbGetAdsName(name, id_) != Acad::eOk) return;
+        if (acdbGetAdsName(name, id_) != Acad::eOk)
+            return;
         const ValueList all(acutBuildList(RTSTR, L"*", RTNONE));
         const ValueList list(acdbEntGetX(name, all.get()));
         bool extended = false;
         for (const resbuf* node = list.get(); node; node = node->rbnext) {
             extended = extended || node->restype == kXdata;
-            if (!extended) groups_.push_back(fromResbuf(*node));
-            if (extended && node->restype == kApplication) applications_.push_back(node->resval.rstring);
+            if (!extended)
+                groups_.push_back(fromResbuf(*node));
+            if (extended && node->restype == kApplication)
+                applications_.push_back(node->resval.rstring);
         }
     }
 
@@ -133,26 +153,32 @@ class EntityData {
 
 namespace {
 
-bool pointMatches(const AcGePoint3d& actual, const AcGePoint3d& wanted, const std::vector<std::wstring>& relation) {
+bool pointMatches(const AcGePoint3d& actual, const AcGePoint3d& wanted,
+                  const std::vector<std::wstring>& relation) {
     for (int i = 0; i < 3; ++i) {
-        const std::wstring operation = relation.empty()                            ? L"="
+        const std::wstring operation = relation.empty()                                ? L"="
                                        : static_cast<std::size_t>(i) < relation.size() ? relation[i]
                                        : relation.size() == 1                          ? relation[0]
                                                                                        : L"*";
-        if (!compare(operation, actual[i], wanted[i])) return false;
+        if (!compare(operation, actual[i], wanted[i]))
+            return false;
     }
     return true;
 }
 
 std::optional<AcGePoint3d> pointIn(const DxfValue& value) {
-    if (const auto* p = std::get_if<AcGePoint3d>(&value)) return *p;
-    if (const auto* p = std::get_if<AcGePoint2d>(&value)) return AcGePoint3d(p->x, p->y, 0);
+    if (const auto* p = std::get_if<AcGePoint3d>(&value))
+        return *p;
+    if (const auto* p = std::get_if<AcGePoint2d>(&value))
+        return AcGePoint3d(p->x, p->y, 0);
     return std::nullopt;
 }
 
 std::optional<double> numberIn(const DxfValue& value) {
-    if (const auto* real = std::get_if<double>(&value)) return *real;
-    if (const auto* integer = std::get_if<std::int64_t>(&value)) return static_cast<double>(*integer);
+    if (const auto* real = std::get_if<double>(&value))
+        return *real;
+    if (const auto* integer = std::get_if<std::int64_t>(&value))
+        return static_cast<double>(*integer);
     return std::nullopt;
 }
 
@@ -160,7 +186,8 @@ bool groupMatches(const DxfGroup& actual, const DxfGroup& wanted, const std::vec
     if (const auto* pattern = std::get_if<std::wstring>(&wanted.value)) {
         const auto* text = std::get_if<std::wstring>(&actual.value);
         const bool matches = text && (matchesPattern(*text, *pattern) || equalNames(*text, *pattern));
-        const bool negated = !relation.empty() && relation[0] != L"=" && relation[0] != L"==" && relation[0] != L"*";
+        const bool negated =
+            !relation.empty() && relation[0] != L"=" && relation[0] != L"==" && relation[0] != L"*";
         return text && matches != negated;
     }
     if (const auto point = pointIn(wanted.value)) {
@@ -174,18 +201,23 @@ bool groupMatches(const DxfGroup& actual, const DxfGroup& wanted, const std::vec
     if (const auto* reference = std::get_if<ObjectReference>(&wanted.value)) {
         const auto* other = std::get_if<ObjectReference>(&actual.value);
         return other && (other->id.isNull() || reference->id.isNull() ? other->handle == reference->handle
-                                                                    : other->id == reference->id);
+                                                                      : other->id == reference->id);
     }
     return false;
 }
 
-bool holdsForSomeGroup(const EntityData& data, const DxfGroup& wanted, const std::vector<std::wstring>& relation) {
-    if (wanted.code == 0) return groupMatches({0, data.type()}, wanted, relation);
-    if (wanted.code == 8) return groupMatches({8, data.layer()}, wanted, relation);
+bool holdsForSomeGroup(const EntityData& data, const DxfGroup& wanted,
+                       const std::vector<std::wstring>& relation) {
+    if (wanted.code == 0)
+        return groupMatches({0, data.type()}, wanted, relation);
+    if (wanted.code == 8)
+        return groupMatches({8, data.layer()}, wanted, relation);
     bool present = false;
     for (const DxfGroup& group : data.groups()) {
-        if (group.code != wanted.code) continue;
-        if (groupMatches(group, wanted, relation)) return true;
+        if (group.code != wanted.code)
+            continue;
+        if (groupMatches(group, wanted, relation))
+            return true;
         present = true;
     }
     return !present && groupMatches(leftOut(wanted.code), wanted, relation);
@@ -198,28 +230,38 @@ bool hasApplications(const EntityData& data, const std::vector<std::wstring>& pa
     });
 }
 
-}  // namespace
+} // namespace
 
 bool SelectionFilter::Test::holds(const EntityData& data) const {
-    if (!applications.empty()) return hasApplications(data, applications);
-    if (isGroup) return holdsForSomeGroup(data, group, relation);
-    const auto count = std::count_if(parts.begin(), parts.end(), [&](const Test& part) { return part.holds(data); });
+    if (!applications.empty())
+        return hasApplications(data, applications);
+    if (isGroup)
+        return holdsForSomeGroup(data, group, relation);
+    const auto count =
+        std::count_if(parts.begin(), parts.end(), [&](const Test& part) { return part.holds(data); });
     switch (combination) {
-        case Combination::All: return static_cast<std::size_t>(count) == parts.size();
-        case Combination::Any: return count > 0;
-        case Combination::Odd: return count % 2 == 1;
-        case Combination::None: return count == 0;
+    case Combination::All:
+        return static_cast<std::size_t>(count) == parts.size();
+    case Combination::Any:
+        return count > 0;
+    case Combination::Odd:
+        return count % 2 == 1;
+    case Combination::None:
+        return count == 0;
     }
     return false;
 }
 
 namespace {
 
-// (code . value) pairs of a LISP list, written RTLB code [RTDOTE] value RTLE, as group nodes; other lists are copied.
+// (code . value) pairs of a LISP list, written RTLB code [RTDOTE] value RTLE, as group nodes; other lists are
+// copied.
 ValueList asGroups(const resbuf* list) {
     ListCollector nodes;
     for (const resbuf* node = list; node; node = node->rbnext) {
-        if (node->restype == RTLB || node->restype == RTLE || node->restype == RTDOTE || node->restype == RTNIL) continue;
+        if (node->restype == RTLB || node->restype == RTLE || node->restype == RTDOTE ||
+            node->restype == RTNIL)
+            continue;
         const bool beginsPair = (node->restype == RTSHORT || node->restype == RTLONG) && node->rbnext;
         if (!beginsPair) {
             // Texts inside (-3 ("APP")) name applications.
@@ -236,8 +278,10 @@ ValueList asGroups(const resbuf* list) {
         }
         resbuf& group = nodes.add(node->resval.rlong);
         const resbuf* value = node->rbnext;
-        if (value->restype == RTDOTE && value->rbnext) value = value->rbnext;
-        if (group.restype == kXdata) continue;
+        if (value->restype == RTDOTE && value->rbnext)
+            value = value->rbnext;
+        if (group.restype == kXdata)
+            continue;
         const auto kind = acutResultKind(group.restype);
         if (kind == ResultKind::String || kind == ResultKind::Handle) {
             acutDelString(group.resval.rstring);
@@ -256,7 +300,7 @@ ValueList asGroups(const resbuf* list) {
 
 // Reads tests up to the closing bracket, or the end of the list when there is none.
 class Parser {
-  public:
+public:
     explicit Parser(const resbuf* groups) : node_(groups) {}
 
     bool parse(SelectionFilter::Test& test, const wchar_t* end) {
@@ -264,8 +308,10 @@ class Parser {
             if (node_->restype == kOperator) {
                 const std::wstring text = node_->resval.rstring;
                 node_ = node_->rbnext;
-                if (end && equalNames(text, end)) return true;
-                if (!operation(text, test)) return false;
+                if (end && equalNames(text, end))
+                    return true;
+                if (!operation(text, test))
+                    return false;
             } else if (node_->restype == kXdata) {
                 extendedData(test);
             } else {
@@ -277,7 +323,7 @@ class Parser {
 
     const std::wstring& problem() const { return problem_; }
 
-  private:
+private:
     bool fail(std::wstring text) {
         problem_ = std::move(text);
         return false;
@@ -285,14 +331,17 @@ class Parser {
 
     bool operation(const std::wstring& text, SelectionFilter::Test& test) {
         for (const Bracket& bracket : kBrackets) {
-            if (!equalNames(text, bracket.begin)) continue;
+            if (!equalNames(text, bracket.begin))
+                continue;
             test.parts.emplace_back();
             test.parts.back().combination = bracket.combination;
             return parse(test.parts.back(), bracket.end);
         }
         const std::vector<std::wstring> relation = relations(text);
-        if (relation.empty()) return fail(L"\"" + text + L"\" is no operator");
-        if (!node_ || node_->restype < 0) return fail(L"no group follows (-4 . \"" + text + L"\")");
+        if (relation.empty())
+            return fail(L"\"" + text + L"\" is no operator");
+        if (!node_ || node_->restype < 0)
+            return fail(L"no group follows (-4 . \"" + text + L"\")");
         group(test, relation);
         return true;
     }
@@ -311,14 +360,15 @@ class Parser {
         for (; node_ && node_->restype == kApplication; node_ = node_->rbnext) {
             wanted.applications.push_back(node_->resval.rstring);
         }
-        if (!wanted.applications.empty()) test.parts.push_back(std::move(wanted));
+        if (!wanted.applications.empty())
+            test.parts.push_back(std::move(wanted));
     }
 
     const resbuf* node_;
     std::wstring problem_;
 };
 
-}  // namespace
+} // namespace
 
 SelectionFilter::SelectionFilter() = default;
 SelectionFilter::~SelectionFilter() = default;
@@ -328,10 +378,12 @@ SelectionFilter& SelectionFilter::operator=(SelectionFilter&&) noexcept = defaul
 bool SelectionFilter::parse(const resbuf* groups, std::wstring& problem) {
     root_.reset();
     const ValueList plain = asGroups(groups);
-    if (!plain) return true;
+    if (!plain)
+        return true;
     root_ = std::make_unique<Test>();
     Parser parser(plain.get());
-    if (parser.parse(*root_, nullptr)) return true;
+    if (parser.parse(*root_, nullptr))
+        return true;
     problem = parser.problem();
     return false;
 }
@@ -341,4 +393,4 @@ bool SelectionFilter::matches(AcDbObjectId entity) const {
     return data.hasObject() && (!root_ || root_->holds(data));
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

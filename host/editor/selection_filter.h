@@ -2,9 +2,10 @@
 
 // Filters of ssget: which entities of a drawing a group list lets through.
 //
-// A filter is a list of groups that must all match. Texts are wildcard patterns. (-4 . "<OR") ... (-4 . "OR>") and the
-// same with AND, XOR and NOT group tests; (-4 . ">=") and the other relational operators apply to the next group:
-// = == != /= <> < <= > >= * for numbers, comma-separated for the coordinates of points ("<,<,*"), & (some bits set) and
+// A filter is a list of groups that must all match. Texts are wildcard patterns. (-4 . "<OR") ... (-4 .
+// "OR>") and the same with AND, XOR and NOT group tests; (-4 . ">=") and the other relational operators apply
+// to the next group: = == != /= <> < <= > >= * for numbers, comma-separated for the coordinates of points
+// ("<,<,*"), & (some bits set) and
 // &= (all bits set) for integers. (-3 ("APP")) asks for extended data of an application.
 
 #include <memory>
@@ -16,7 +17,7 @@
 namespace drafthost::editor {
 
 class SelectionFilter {
-  public:
+public:
     SelectionFilter();
     ~SelectionFilter();
     SelectionFilter(SelectionFilter&&) noexcept;
@@ -29,8 +30,8 @@ class SelectionFilter {
 
     struct Test;
 
-  private:
-    std::unique_ptr<Test> root_;  // null: everything matches
+private:
+    std::unique_ptr<Test> root_; // null: everything matches
 };
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -1,4 +1,5 @@
-// Commands about the drawing as a whole: SETVAR, UCS, UNDO, QSAVE, SAVEAS, and those that only concern a view.
+// Commands about the drawing as a whole: SETVAR, UCS, UNDO, QSAVE, SAVEAS, and those that only concern a
+// view.
 
 #include <algorithm>
 
@@ -18,12 +19,13 @@ using Kind = InputRequest::Kind;
 void redrawCommand(CommandContext&) {}
 
 void zoomCommand(CommandContext& context) {
-    const auto reply = context.ask(
-        Kind::Point, {.prompt = L"Specify corner of window, enter a scale factor (nX or nXP), or "
-                                L"[All/Center/Extents/Previous/Scale/Window/Object]: ",
-                      .keywords = L"All Center Extents Previous Scale Window Object",
-                      .control = RSG_OTHER});
-    if (!reply.given) return;
+    const auto reply =
+        context.ask(Kind::Point, {.prompt = L"Specify corner of window, enter a scale factor (nX or nXP), or "
+                                            L"[All/Center/Extents/Previous/Scale/Window/Object]: ",
+                                  .keywords = L"All Center Extents Previous Scale Window Object",
+                                  .control = RSG_OTHER});
+    if (!reply.given)
+        return;
     if (reply.keyword.empty()) {
         context.ask(Kind::Corner, {.prompt = L"Specify opposite corner: ", .base = reply.point});
     } else if (reply.keyword == L"Window") {
@@ -41,18 +43,23 @@ void zoomCommand(CommandContext& context) {
 
 // Marks and groups are accepted, so that programs run; nothing is undone.
 void undoCommand(CommandContext& context) {
-    const std::wstring option = context.text(L"Enter the number of operations to undo or [Control/BEgin/End/Mark/Back]: ");
+    const std::wstring option =
+        context.text(L"Enter the number of operations to undo or [Control/BEgin/End/Mark/Back]: ");
     const std::optional<std::wstring> keyword = Keywords(L"Control BEgin End Mark Back Group").match(option);
-    if (!keyword || *keyword == L"Back") return context.print(L"This host keeps no undo history.");
-    if (*keyword == L"Control") context.text(L"Enter an UNDO control option [All/None/One]: ");
+    if (!keyword || *keyword == L"Back")
+        return context.print(L"This host keeps no undo history.");
+    if (*keyword == L"Control")
+        context.text(L"Enter an UNDO control option [All/None/One]: ");
 }
 
 void ucsCommand(CommandContext& context) {
-    const auto reply = context.ask(Kind::Point, {.prompt = L"Specify origin of UCS or [World/3point/Z] <World>: ",
-                                                 .keywords = L"World 3point Z 3"});
+    const auto reply =
+        context.ask(Kind::Point, {.prompt = L"Specify origin of UCS or [World/3point/Z] <World>: ",
+                                  .keywords = L"World 3point Z 3"});
     AcGePoint3d origin;
     AcGeVector3d x = AcGeVector3d::kXAxis, y = AcGeVector3d::kYAxis, z;
-    if (reply.given && reply.keyword != L"World") context.ucsToWorld().getCoordSystem(origin, x, y, z);
+    if (reply.given && reply.keyword != L"World")
+        context.ucsToWorld().getCoordSystem(origin, x, y, z);
     if (reply.given && reply.keyword.empty()) {
         origin = context.world(reply.point);
     } else if (reply.keyword == L"Z") {
@@ -61,10 +68,14 @@ void ucsCommand(CommandContext& context) {
         y.rotateBy(angle, z);
     } else if (reply.keyword.starts_with(L"3")) {
         origin = context.world(context.point(L"Specify new origin point <0,0,0>: "));
-        x = (context.world(context.point(L"Specify point on positive portion of X-axis: ")) - origin).normal();
-        const AcGeVector3d up = context.world(context.point(L"Specify point on positive-Y portion of the UCS XY plane: ")) - origin;
+        x = (context.world(context.point(L"Specify point on positive portion of X-axis: ")) - origin)
+                .normal();
+        const AcGeVector3d up =
+            context.world(context.point(L"Specify point on positive-Y portion of the UCS XY plane: ")) -
+            origin;
         const AcGeVector3d normal = x.crossProduct(up);
-        if (x.isZeroLength() || normal.isZeroLength()) return context.print(L"The points lie in a line.");
+        if (x.isZeroLength() || normal.isZeroLength())
+            return context.print(L"The points lie in a line.");
         y = normal.normal().crossProduct(x);
     }
     HeaderVariables& header = context.database().impl().changeSettings().header;
@@ -75,24 +86,30 @@ void ucsCommand(CommandContext& context) {
 
 void setNamedVariable(CommandContext& context, const std::wstring& name) {
     const auto value = getVariable(context.document(), name);
-    if (!value) return context.print(L"Unknown variable name \"" + name + L"\".");
+    if (!value)
+        return context.print(L"Unknown variable name \"" + name + L"\".");
     const std::wstring text =
         context.text((L"Enter new value for " + name + L" <" + shownValue(*value) + L">: ").c_str(), true);
-    if (text.empty()) return;
+    if (text.empty())
+        return;
     const auto typed = typedValue(*value, text);
-    const SetOutcome outcome =
-        typed ? setVariable(context.document(), name, *typed) : SetOutcome::WrongType;
-    static constexpr const wchar_t* kMessages[] = {L"", L"Unknown variable name.", L"The variable is read-only.",
-                                                   L"Invalid value.", L"The value is out of range."};
-    if (outcome != SetOutcome::Done) context.print(kMessages[static_cast<std::size_t>(outcome)]);
+    const SetOutcome outcome = typed ? setVariable(context.document(), name, *typed) : SetOutcome::WrongType;
+    static constexpr const wchar_t* kMessages[] = {L"", L"Unknown variable name.",
+                                                   L"The variable is read-only.", L"Invalid value.",
+                                                   L"The value is out of range."};
+    if (outcome != SetOutcome::Done)
+        context.print(kMessages[static_cast<std::size_t>(outcome)]);
 }
 
 void setvarCommand(CommandContext& context) {
     const std::wstring name = context.text(L"Enter variable name: ");
-    if (!name.empty()) setNamedVariable(context, name);
+    if (!name.empty())
+        setNamedVariable(context, name);
 }
 
-void variableOfThatName(CommandContext& context) { setNamedVariable(context, context.name()); }
+void variableOfThatName(CommandContext& context) {
+    setNamedVariable(context, context.name());
+}
 
 bool saveTo(CommandContext& context, const std::wstring& path) {
     const Acad::ErrorStatus status = context.database().dxfOut(path.c_str());
@@ -105,10 +122,13 @@ bool saveTo(CommandContext& context, const std::wstring& path) {
 
 void saveAsCommand(CommandContext& context) {
     std::wstring name = context.text(L"Save drawing as: ", true);
-    if (name.empty()) return;
-    if (name.find_last_of(L'.') == std::wstring::npos) name += L".dxf";
+    if (name.empty())
+        return;
+    if (name.find_last_of(L'.') == std::wstring::npos)
+        name += L".dxf";
     const std::wstring path = fullPath(name);
-    if (!saveTo(context, path)) return;
+    if (!saveTo(context, path))
+        return;
     context.database().impl().fileName = path;
     context.document().setName(path);
 }
@@ -119,25 +139,30 @@ void quickSaveCommand(CommandContext& context) {
 }
 
 constexpr CommandDefinition kCommands[] = {
-    {L"QSAVE", quickSaveCommand}, {L"REDRAW", redrawCommand}, {L"REGEN", redrawCommand}, {L"REGENALL", redrawCommand},
-    {L"SAVEAS", saveAsCommand},   {L"SETVAR", setvarCommand}, {L"UCS", ucsCommand},      {L"UNDO", undoCommand},
-    {L"ZOOM", zoomCommand},
+    {L"QSAVE", quickSaveCommand}, {L"REDRAW", redrawCommand}, {L"REGEN", redrawCommand},
+    {L"REGENALL", redrawCommand}, {L"SAVEAS", saveAsCommand}, {L"SETVAR", setvarCommand},
+    {L"UCS", ucsCommand},         {L"UNDO", undoCommand},     {L"ZOOM", zoomCommand},
 };
 constexpr CommandDefinition kVariable = {L"", variableOfThatName};
 
-}  // namespace
+} // namespace
 
-std::span<const CommandDefinition> settingCommands() { return kCommands; }
+std::span<const CommandDefinition> settingCommands() {
+    return kCommands;
+}
 
-const CommandDefinition& variableCommand() { return kVariable; }
+const CommandDefinition& variableCommand() {
+    return kVariable;
+}
 
 std::vector<CommandDefinition> allCommands() {
     std::vector<CommandDefinition> all;
     for (const auto& table : {drawCommands(), changeCommands(), layerCommands(), settingCommands()}) {
         all.insert(all.end(), table.begin(), table.end());
     }
-    std::sort(all.begin(), all.end(), [](const auto& a, const auto& b) { return std::wcscmp(a.name, b.name) < 0; });
+    std::sort(all.begin(), all.end(),
+              [](const auto& a, const auto& b) { return std::wcscmp(a.name, b.name) < 0; });
     return all;
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -22,11 +22,11 @@ using VariableValue = std::variant<int, double, std::wstring, AcGePoint3d, AcGeP
 
 // Values set so far, of the session or of one document. Others have their default.
 class VariableStore {
-  public:
-    const VariableValue* find(std::wstring_view name) const;  // name in capitals
+public:
+    const VariableValue* find(std::wstring_view name) const; // name in capitals
     void set(std::wstring_view name, VariableValue value) { values_[std::wstring(name)] = std::move(value); }
 
-  private:
+private:
     std::unordered_map<std::wstring, VariableValue> values_;
 };
 
@@ -46,4 +46,4 @@ std::optional<VariableValue> typedValue(const VariableValue& example, const std:
 // Names of all variables, sorted as in the table.
 std::vector<std::wstring> variableNames();
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

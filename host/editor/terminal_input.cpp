@@ -12,7 +12,8 @@ namespace {
 std::string readStandardInput() {
     char block[4096];
     DWORD count = 0;
-    if (!ReadFile(GetStdHandle(STD_INPUT_HANDLE), block, sizeof block, &count, nullptr)) return {};
+    if (!ReadFile(GetStdHandle(STD_INPUT_HANDLE), block, sizeof block, &count, nullptr))
+        return {};
     return {block, count};
 }
 
@@ -24,29 +25,34 @@ std::optional<std::string> readBlockLine(std::string& pending, bool& ended) {
             pending.erase(0, end == std::string::npos ? end : end + 1);
             return line;
         }
-        if (ended) return std::nullopt;
+        if (ended)
+            return std::nullopt;
         const std::string block = readStandardInput();
         ended = block.empty();
         pending += block;
     }
 }
 
-}  // namespace
+} // namespace
 
 LineReader::LineReader() : reader_([this] { return readBlockLine(pending_, ended_); }) {}
 
 std::optional<std::wstring> LineReader::next() {
     std::optional<std::string> line = reader_();
-    if (!line) return std::nullopt;
-    if (!line->empty() && line->back() == '\r') line->pop_back();
+    if (!line)
+        return std::nullopt;
+    if (!line->empty() && line->back() == '\r')
+        line->pop_back();
     return lisp::fromUtf8(*line);
 }
 
 std::optional<std::wstring> TerminalInput::read() {
     commandLine_.flush();
     std::optional<std::wstring> line = lines_.next();
-    if (line && !echo_) commandLine_.lineEndedOutside();
-    if (line || warned_) return line;
+    if (line && !echo_)
+        commandLine_.lineEndedOutside();
+    if (line || warned_)
+        return line;
     warned_ = true;
     reportOnStandardError(L"warning: the input has ended: the host waits and gets an empty response");
     return line;
@@ -54,8 +60,10 @@ std::optional<std::wstring> TerminalInput::read() {
 
 Answer TerminalInput::next(const InputRequest&) {
     const std::optional<std::wstring> line = read();
-    if (!line) return Answer::of(Answer::Kind::Exhausted);
-    if (*line == L"\x1b") return Answer::of(Answer::Kind::Cancel);
+    if (!line)
+        return Answer::of(Answer::Kind::Exhausted);
+    if (*line == L"\x1b")
+        return Answer::of(Answer::Kind::Cancel);
     return Answer::ofText(Answer::Kind::Typed, *line);
 }
 
@@ -68,11 +76,14 @@ Answer TerminalInput::nextForBox(const BoxRequest& box) {
                                    : Answer::ofText(Answer::Kind::Press, box.buttons.front());
     }
     std::wstring names;
-    for (const std::wstring& button : box.buttons) names += (names.empty() ? L"" : L"/") + button;
+    for (const std::wstring& button : box.buttons)
+        names += (names.empty() ? L"" : L"/") + button;
     commandLine_.write(L" [" + names + L"]: ");
     const std::optional<std::wstring> line = read();
-    if (line && echo_) commandLine_.write(*line + L"\n");
-    if (!line) return Answer::of(Answer::Kind::Exhausted);
+    if (line && echo_)
+        commandLine_.write(*line + L"\n");
+    if (!line)
+        return Answer::of(Answer::Kind::Exhausted);
     return line->empty() ? Answer::of(Answer::Kind::Cancel) : Answer::ofText(Answer::Kind::Press, *line);
 }
 
@@ -82,4 +93,4 @@ bool TerminalInput::refuse(const Answer&, const std::wstring&, const std::wstrin
     return true;
 }
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -14,21 +14,21 @@ namespace drafthost::editor {
 
 // Lines of UTF-8 text; the host's prompt loop and the prompts of programs share one.
 class LineReader {
-  public:
+public:
     // Answers nothing at the end of the input.
     using Reader = std::function<std::optional<std::string>()>;
-    LineReader();  // standard input
+    LineReader(); // standard input
     explicit LineReader(Reader reader) : reader_(std::move(reader)) {}
     std::optional<std::wstring> next();
 
-  private:
+private:
     Reader reader_;
-    std::string pending_;  // read but not handed out: standard input comes in blocks
+    std::string pending_; // read but not handed out: standard input comes in blocks
     bool ended_ = false;
 };
 
 class TerminalInput final : public InputSource {
-  public:
+public:
     // echo: the lines are printed, because no terminal shows them.
     TerminalInput(LineReader& lines, CommandLine& commandLine, bool echo)
         : lines_(lines), commandLine_(commandLine), echo_(echo) {}
@@ -38,7 +38,7 @@ class TerminalInput final : public InputSource {
     bool refuse(const Answer& answer, const std::wstring& waitedFor, const std::wstring& complaint) override;
     bool needsEcho() const override { return echo_; }
 
-  private:
+private:
     std::optional<std::wstring> read();
 
     LineReader& lines_;
@@ -47,4 +47,4 @@ class TerminalInput final : public InputSource {
     bool warned_ = false;
 };
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -12,7 +12,8 @@ namespace drafthost::editor {
 std::optional<double> typedReal(std::wstring_view text);
 std::optional<int> typedInteger(std::wstring_view text);
 
-// Degrees; with a suffix r radians, g grads, and degrees with minutes and seconds as 45d30'15". Answers radians.
+// Degrees; with a suffix r radians, g grads, and degrees with minutes and seconds as 45d30'15". Answers
+// radians.
 std::optional<double> typedAngle(std::wstring_view text);
 
 struct TypedPoint {
@@ -24,4 +25,4 @@ struct TypedPoint {
 std::optional<TypedPoint> typedPoint(std::wstring_view text, const AcGePoint3d& lastPoint,
                                      const AcGeMatrix3d& worldToUcs);
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -31,10 +31,18 @@ VariableValue drawingName(const Document& document) {
     const std::wstring path = document.fileName();
     return path.substr(folderOf(path).size());
 }
-VariableValue drawingFolder(const Document& document) { return fileFolder(document); }
-VariableValue drawingTitled(const Document& document) { return document.database()->impl().fileName.empty() ? 0 : 1; }
-VariableValue modified(const Document& document) { return document.database()->impl().modifications == 0 ? 0 : 1; }
-VariableValue supportPath(const Document&) { return theHost().services().searchPath(); }
+VariableValue drawingFolder(const Document& document) {
+    return fileFolder(document);
+}
+VariableValue drawingTitled(const Document& document) {
+    return document.database()->impl().fileName.empty() ? 0 : 1;
+}
+VariableValue modified(const Document& document) {
+    return document.database()->impl().modifications == 0 ? 0 : 1;
+}
+VariableValue supportPath(const Document&) {
+    return theHost().services().searchPath();
+}
 VariableValue temporaryFolder(const Document&) {
     wchar_t folder[MAX_PATH + 1] = L"";
     GetTempPathW(static_cast<DWORD>(std::size(folder)), folder);
@@ -76,16 +84,20 @@ VariableValue julianDate(const Document&) {
     return day + dayFraction(t);
 }
 
-VariableValue milliseconds(const Document&) { return static_cast<int>(GetTickCount64() & 0x7FFFFFFF); }
+VariableValue milliseconds(const Document&) {
+    return static_cast<int>(GetTickCount64() & 0x7FFFFFFF);
+}
 
 AcDbExtents drawingExtents(const Document& document) {
     AcDbExtents extents;
     const AcDbObjectPointer<AcDbBlockTableRecord> space(document.database()->modelSpaceId(), AcDb::kForRead);
-    if (!space) return extents;
+    if (!space)
+        return extents;
     for (const AcDbObjectId id : space->entityIds()) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
         AcDbExtents box;
-        if (entity && entity->getGeomExtents(box) == Acad::eOk && box.isValid()) extents.addExt(box);
+        if (entity && entity->getGeomExtents(box) == Acad::eOk && box.isValid())
+            extents.addExt(box);
     }
     return extents;
 }
@@ -102,7 +114,8 @@ VariableValue upperExtents(const Document& document) {
 
 VariableValue viewCenter(const Document& document) {
     const AcDbExtents extents = drawingExtents(document);
-    if (!extents.isValid()) return AcGePoint3d();
+    if (!extents.isValid())
+        return AcGePoint3d();
     return extents.minPoint() + (extents.maxPoint() - extents.minPoint()) * 0.5;
 }
 VariableValue viewHeight(const Document& document) {
@@ -111,7 +124,9 @@ VariableValue viewHeight(const Document& document) {
     return height > 0 ? height : 1.0;
 }
 
-VariableValue lastPoint(const Document& document) { return const_cast<Document&>(document).prompts().lastPoint(); }
+VariableValue lastPoint(const Document& document) {
+    return const_cast<Document&>(document).prompts().lastPoint();
+}
 bool setLastPoint(Document& document, const VariableValue& value) {
     document.prompts().setLastPoint(std::get<AcGePoint3d>(value));
     return true;
@@ -124,12 +139,14 @@ VariableValue worldUcs(const Document& document) {
 // CECOLOR is a text, the header keeps a number.
 VariableValue currentColor(const Document& document) {
     const int index = document.database()->cecolor();
-    if (index == 256) return std::wstring(L"BYLAYER");
+    if (index == 256)
+        return std::wstring(L"BYLAYER");
     return index == 0 ? std::wstring(L"BYBLOCK") : std::to_wstring(index);
 }
 bool setCurrentColor(Document& document, const VariableValue& value) {
     const auto index = colorIndex(std::get<std::wstring>(value));
-    return index && setHeaderVariable(*document.database(), L"$CECOLOR", {{62, static_cast<std::int64_t>(*index)}});
+    return index &&
+           setHeaderVariable(*document.database(), L"$CECOLOR", {{62, static_cast<std::int64_t>(*index)}});
 }
 
 VariableValue ucsX(const Document& document) {
@@ -149,7 +166,11 @@ const VariableRow kRows[] = {
     {.name = L"LOCALE", .type = Text, .place = Session, .access = Fixed, .text = L"ENU"},
     {.name = L"LOGINNAME", .type = Text, .place = Session, .access = Fixed, .compute = userName},
     {.name = L"MILLISECS", .type = Int, .place = Session, .access = Fixed, .compute = milliseconds},
-    {.name = L"PLATFORM", .type = Text, .place = Session, .access = Fixed, .text = L"Microsoft Windows (x64)"},
+    {.name = L"PLATFORM",
+     .type = Text,
+     .place = Session,
+     .access = Fixed,
+     .text = L"Microsoft Windows (x64)"},
     {.name = L"PRODUCT", .type = Text, .place = Session, .access = Fixed, .text = L"drafthost"},
     {.name = L"PROGRAM", .type = Text, .place = Session, .access = Fixed, .text = L"drafthost"},
     {.name = L"SYSCODEPAGE", .type = Text, .place = Session, .access = Fixed, .text = L"ANSI_1252"},
@@ -272,8 +293,10 @@ const VariableRow kRows[] = {
     {.name = L"USERR5", .type = Real, .place = Drawing},
 };
 
-}  // namespace
+} // namespace
 
-std::span<const VariableRow> variableTable() { return kRows; }
+std::span<const VariableRow> variableTable() {
+    return kRows;
+}
 
-}  // namespace drafthost::editor
+} // namespace drafthost::editor

@@ -32,11 +32,13 @@ enum class AuditCode {
     MissingApplication = 307, // of extended data: added
     BlockCycle = 308,         // a block that contains itself: that insertion is left out
     DuplicateBlock = 309,     // a second definition: left out
+    InvalidLayerName = 310,   // with characters that names cannot hold: these become "_"
     // Entities and objects.
     OrphanedPart = 401,       // attribute, vertex or sequence end that follows nothing it belongs to: left out
     MissingSequenceEnd = 402, // added
     WrongOwner = 403,         // owner corrected
     ZeroScale = 404,          // a block insertion of scale 0: set to 1
+    RepeatedSubclass = 406,   // an object with the data of two: the second are left out
     NoRadius = 405,           // circle or arc whose radius is not positive: left out
     // The drawing as a whole.
     Completed = 501,          // something every drawing has was missing and has been added

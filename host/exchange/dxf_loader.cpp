@@ -52,6 +52,35 @@ std::string_view partTypeOf(std::string_view type) {
     return type == "INSERT" ? "ATTRIB" : type == "POLYLINE" ? "VERTEX" : "";
 }
 
+// True when objects of the type have no subclass of that name twice. The line of a text has: AcDbText stands before and
+// behind its style.
+bool isSingleSubclass(std::string_view type, std::string_view name) {
+    constexpr std::array<std::string_view, 9> kTypes = {"LINE", "CIRCLE", "ARC",    "LWPOLYLINE", "INSERT",
+                                                        "TEXT", "MTEXT",  "ATTRIB", "ATTDEF"};
+    if (name == "AcDbEntity" || name == "AcDbSymbolTableRecord") return true;
+    return name != "AcDbText" && std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end();
+}
+
+// Where the groups of another object begin that lost its group 0: a subclass comes for the second time, or a table record
+// has a second name.
+std::size_t endOfFirstObject(std::string_view type, std::span<const DxfTag> tags) {
+    constexpr std::int32_t kName = 2;
+    constexpr std::int32_t kSubclassMarker = 100;
+    constexpr std::int32_t kEmbeddedObject = 101;  // may have subclasses of its own
+    const bool isRecord = std::find(kTableOrder.begin(), kTableOrder.end(), type) != kTableOrder.end();
+    std::vector<std::string_view> seen;
+    int names = 0;
+    for (std::size_t at = 0; at < tags.size() && tags[at].code != kEmbeddedObject; ++at) {
+        if (isRecord && tags[at].code == kName && ++names == 2) return at;
+        if (tags[at].code != kSubclassMarker) continue;
+        const std::string_view name = trimmed(tags[at].text);
+        if (!isSingleSubclass(type, name)) continue;
+        if (std::find(seen.begin(), seen.end(), name) != seen.end()) return at;
+        seen.push_back(name);
+    }
+    return tags.size();
+}
+
 bool hasNoRadius(const DxfRecord& record) {
     if (record.type != "CIRCLE" && record.type != "ARC") return false;
     for (const DxfTag& tag : record.tags)
@@ -103,14 +132,18 @@ DxfLoader::Groups DxfLoader::groupsOf(const DxfRecord& record) {
     Groups groups = {{0, input_.name(record.type)}};
     const bool replaced = handles_.mustReplace(record);
     const DxfTag* const handle = replaced ? handleTag(record) : nullptr;
-    groups.reserve(record.tags.size() + 1);
-    for (std::size_t at = 0; at < record.tags.size();) {
-        if (&record.tags[at] == handle)
+    const std::span<const DxfTag> tags = record.tags.first(endOfFirstObject(record.type, record.tags));
+    if (tags.size() != record.tags.size())
+        report_.add(AuditCode::RepeatedSubclass,
+                    widened(record.type) + L" holds the data of two objects: the second have been left out", record.line);
+    groups.reserve(tags.size() + 1);
+    for (std::size_t at = 0; at < tags.size();) {
+        if (&tags[at] == handle)
             ++at;
-        else if (const auto style = namedTextStyle(record, record.tags[at]))
-            groups.push_back({static_cast<short>(record.tags[at++].code), *style});
+        else if (const auto style = namedTextStyle(record, tags[at]))
+            groups.push_back({static_cast<short>(tags[at++].code), *style});
         else
-            groups.push_back(input_.group(record.tags, at));
+            groups.push_back(input_.group(tags, at));
     }
     return groups;
 }
@@ -179,8 +212,8 @@ void DxfLoader::loadRecords(std::string_view tableName) {
                                                 quotedForMessage(record.type));
             Groups groups = groupsOf(record);
             if (tableName == "BLOCK_RECORD") renameLayoutBlock(groups);
-            if (isSecondRecord(record, groups)) continue;
             names_.repair(groups, NameRepairs::RecordKind::TableRecord, record.line);
+            if (isSecondRecord(record, groups)) continue;
             require(loadRecord(database_, std::move(groups)), record);
         }
     }
@@ -248,11 +281,13 @@ std::size_t DxfLoader::loadSequence(const Records& records, std::size_t at, AcDb
     if (setZeroScales(groups))
         report_.add(AuditCode::ZeroScale, L"INSERT had a scale factor of 0: set to 1", first.line);
     addSubclassMarkers(groups);
+    gatherProperties(groups);
     names_.repair(groups, NameRepairs::RecordKind::Entity, first.line);
     const AcDbObjectId id = require(loadEntity(database_, block, std::move(groups)), first);
     for (const DxfRecord& part : parts) {
         Groups partGroups = groupsOf(part);
         addSubclassMarkers(partGroups);
+        gatherProperties(partGroups);
         names_.repair(partGroups, NameRepairs::RecordKind::Entity, part.line);
         require(loadAttribute(database_, id, std::move(partGroups)), part);
     }

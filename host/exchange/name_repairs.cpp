@@ -79,6 +79,7 @@ void NameRepairs::apply(const Rule& rule, DxfGroup& group, std::size_t line) {
     auto* const name = std::get_if<std::wstring>(&group.value);
     if (!name) return;
     if (name->empty()) *name = rule.standard;
+    if (rule.table == TableIndex::Layer) repairLayerName(*name, line);
     if (known(rule.table, *name)) return;
     addRecord(rule.kind, *name);
     report_.add(rule.finding, std::wstring(rule.what) + L" \"" + *name + L"\" was missing and has been added", line);
@@ -95,8 +96,24 @@ void NameRepairs::repairApplications(const std::vector<DxfGroup>& groups, std::s
     }
 }
 
+void NameRepairs::repairLayerName(std::wstring& name, std::size_t line) {
+    // A bar stands between the name of an external reference and that of its layer.
+    constexpr std::wstring_view kForbidden = L"<>/\\\":;?*=`,";
+    // The host's own layers of external references and the like are allowed to begin with a star.
+    const auto isForbidden = [&](wchar_t c) { return kForbidden.find(c) != std::wstring_view::npos; };
+    if (name.starts_with(L'*') || std::none_of(name.begin(), name.end(), isForbidden)) return;
+    const std::wstring before = name;
+    std::replace_if(name.begin(), name.end(), isForbidden, L'_');
+    if (!known(TableIndex::Layer, name))
+        report_.add(AuditCode::InvalidLayerName, L"layer \"" + before + L"\" is called \"" + name + L"\" now", line);
+}
+
 void NameRepairs::repair(std::vector<DxfGroup>& groups, RecordKind kind, std::size_t line) {
     repairApplications(groups, line);
+    if (std::get<std::wstring>(groups.front().value) == L"LAYER" && kind == RecordKind::TableRecord)
+        for (DxfGroup& group : groups)
+            if (auto* const name = std::get_if<std::wstring>(&group.value); name && group.code == 2)
+                repairLayerName(*name, line);
     if (kind == RecordKind::Object) return;  // their groups have meanings of their own
     const std::wstring type = L" " + std::get<std::wstring>(groups.front().value) + L" ";
     const auto commonEnd = endOfCommonPart(groups);

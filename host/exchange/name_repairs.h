@@ -32,6 +32,7 @@ class NameRepairs {
     static const Rule kRules[];
     bool known(TableIndex table, const std::wstring& name);
     void apply(const Rule& rule, DxfGroup& group, std::size_t line);
+    void repairLayerName(std::wstring& name, std::size_t line);
     void repairApplications(const std::vector<DxfGroup>& groups, std::size_t line);
 
     AcDbDatabase& database_;

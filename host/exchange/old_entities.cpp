@@ -12,6 +12,9 @@ struct Subclass {
     std::vector<short> codes;
 };
 
+constexpr short kLayer = 8;
+constexpr short kEmbedded = 101;
+
 std::int64_t flagsOf(const std::vector<DxfGroup>& groups) {
     for (const DxfGroup& group : groups)
         if (const auto* flags = std::get_if<std::int64_t>(&group.value); flags && group.code == 70) return *flags;
@@ -64,7 +67,7 @@ bool isIdentity(short code) { return code == 0 || code == 5; }
 
 // What every entity has.
 bool isProperty(short code) {
-    constexpr short kCodes[] = {6, 8, 48, 60, 62, 67};
+    constexpr short kCodes[] = {6, 8, 48, 60, 62, 67, 370, 420};
     return std::find(std::begin(kCodes), std::end(kCodes), code) != std::end(kCodes);
 }
 
@@ -96,6 +99,20 @@ void addSubclassMarkers(std::vector<DxfGroup>& groups) {
     }
     take([](short) { return true; });
     groups = std::move(sorted);
+}
+
+void gatherProperties(std::vector<DxfGroup>& groups) {
+    // Classes in which these groups have no other meaning.
+    constexpr std::wstring_view kSimple = L" LINE CIRCLE ARC LWPOLYLINE POLYLINE TEXT MTEXT INSERT ATTRIB ATTDEF POINT SOLID ELLIPSE ";
+    if (kSimple.find(L" " + std::get<std::wstring>(groups.front().value) + L" ") == std::wstring_view::npos) return;
+    const auto isMarker = [](const DxfGroup& group) { return group.code == 100; };
+    const auto common = std::find_if(groups.begin(), groups.end(), isMarker);
+    if (common == groups.end()) return;
+    const auto own = std::find_if(common + 1, groups.end(), isMarker);
+    if (std::any_of(groups.begin(), own, [](const DxfGroup& group) { return group.code == kLayer; })) return;
+    const auto end = std::find_if(own, groups.end(), [](const DxfGroup& g) { return g.code == kEmbedded || g.code >= 1000; });
+    // Properties found below the class's marker come before the marker.
+    std::stable_partition(own, end, [](const DxfGroup& group) { return isProperty(group.code); });
 }
 
 }  // namespace drafthost::exchange

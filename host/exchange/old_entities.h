@@ -12,4 +12,8 @@ namespace drafthost::exchange {
 // groups: from group 0 on.
 void addSubclassMarkers(std::vector<DxfGroup>& groups);
 
+// Some writers put the layer, colour and linetype of simple entities below the marker of their class: moves them below
+// that of AcDbEntity, where they belong.
+void gatherProperties(std::vector<DxfGroup>& groups);
+
 }  // namespace drafthost::exchange

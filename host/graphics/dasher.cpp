@@ -64,14 +64,15 @@ std::vector<std::pair<double, double>> dashSpans(double length, std::span<const 
     const double lead = (firstDash + length - repetitions * repeat) / 2;  // length of the dash at either end
     std::vector<std::pair<double, double>> spans{{0.0, lead}};
     double at = lead;
-    while (at < length) {
-        for (std::size_t i = 1; i <= pattern.size() && at < length; ++i) {
-            const double element = pattern[i % pattern.size()];
-            const double end = at + std::fabs(element);
-            if (element >= 0) spans.emplace_back(at, std::fmin(end, length));
-            at = end;
+    for (int repetition = 0; repetition < repetitions; ++repetition) {
+        for (std::size_t i = 1; i < pattern.size(); ++i) {
+            if (pattern[i] >= 0) spans.emplace_back(at, at + pattern[i]);
+            at += std::fabs(pattern[i]);
         }
+        if (pattern[0] >= 0) spans.emplace_back(at, at + pattern[0]);
+        at += std::fabs(pattern[0]);
     }
+    spans.back().second = length;  // the last dash is the counterpart of the first
     return spans;
 }
 

@@ -17,6 +17,8 @@ public:
     // Text as printed, with \n for line ends; never ends a line by itself.
     virtual void write(std::wstring_view text) = 0;
     virtual void flush() {}
+    // Nothing stands on the current line, whoever printed last.
+    virtual bool atLineStart() const = 0;
 };
 
 // An open text file. Text is UTF-8 on disk; line ends are \n here and the platform's on disk.

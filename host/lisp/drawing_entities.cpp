@@ -20,7 +20,8 @@ struct Name {
         words[1] = static_cast<std::int64_t>(name.second);
     }
     Value value(Interpreter& interpreter) const {
-        return interpreter.entityName(static_cast<std::uint64_t>(words[0]), static_cast<std::uint64_t>(words[1]));
+        return interpreter.entityName(static_cast<std::uint64_t>(words[0]),
+                                      static_cast<std::uint64_t>(words[1]));
     }
     // The name when the host's call went well.
     Value valueOf(int status, Interpreter& interpreter) const {
@@ -32,7 +33,8 @@ struct Name {
 ValueList applicationNames(Value list) {
     editor::ListCollector nodes;
     for (Value name : elements(list)) {
-        if (!name.isString()) raiseBadArgumentType(L"stringp", name);
+        if (!name.isString())
+            raiseBadArgumentType(L"stringp", name);
         nodes.append(editor::toValueList({&name, 1}));
     }
     return nodes.take();
@@ -94,37 +96,48 @@ constexpr int kLargestXdata = 16383;
 
 int sizeOf(const resbuf& node) {
     switch (acutResultKind(node.restype)) {
-        case ResultKind::Real: return 2 + 8;
-        case ResultKind::Point: return 2 + 24;
-        case ResultKind::Short: return 2 + 2;
-        case ResultKind::Long: return 2 + 4;
-        case ResultKind::String:
-        case ResultKind::Handle: return 2 + 2 + 2 * static_cast<int>(std::char_traits<wchar_t>::length(node.resval.rstring));
-        case ResultKind::Binary: return 2 + 1 + node.resval.rbinary.clen;
-        default: return 2;
+    case ResultKind::Real:
+        return 2 + 8;
+    case ResultKind::Point:
+        return 2 + 24;
+    case ResultKind::Short:
+        return 2 + 2;
+    case ResultKind::Long:
+        return 2 + 4;
+    case ResultKind::String:
+    case ResultKind::Handle:
+        return 2 + 2 + 2 * static_cast<int>(std::char_traits<wchar_t>::length(node.resval.rstring));
+    case ResultKind::Binary:
+        return 2 + 1 + node.resval.rbinary.clen;
+    default:
+        return 2;
     }
 }
 
 int sizeOf(const resbuf* list) {
     int size = 0;
-    for (; list; list = list->rbnext) size += sizeOf(*list);
+    for (; list; list = list->rbnext)
+        size += sizeOf(*list);
     return size;
 }
 
 Value xdsize(Interpreter& interpreter, Arguments arguments) {
     // The list is what stands behind (-3 ...), or with it.
     Value list = arguments.list(0);
-    if (list.isPair() && list.car() == Value::integer(-3)) list = list.cdr();
-    const ValueList groups = editor::groupsFromValue(
-        interpreter.list({interpreter.cons(Value::integer(-3), list)}));
+    if (list.isPair() && list.car() == Value::integer(-3))
+        list = list.cdr();
+    const ValueList groups =
+        editor::groupsFromValue(interpreter.list({interpreter.cons(Value::integer(-3), list)}));
     return Value::integer(sizeOf(groups ? groups->rbnext : nullptr));
 }
 
 Value xdroom(Interpreter&, Arguments arguments) {
     AcDbObjectId id;
-    if (acdbGetObjectId(id, Name(arguments, 0).words) != Acad::eOk) return {};
+    if (acdbGetObjectId(id, Name(arguments, 0).words) != Acad::eOk)
+        return {};
     const AcDbObjectPointer<AcDbObject> object(id, AcDb::kForRead);
-    if (!object) return {};
+    if (!object)
+        return {};
     const ValueList data(object->xData());
     return Value::integer(kLargestXdata - sizeOf(data.get()));
 }
@@ -144,8 +157,10 @@ constexpr BuiltinDefinition kTable[] = {
     {L"xdroom", xdroom, 1, 1, L"(xdroom name) -> bytes left for extended data"},
 };
 
-}  // namespace
+} // namespace
 
-std::span<const BuiltinDefinition> drawingEntityFunctions() { return kTable; }
+std::span<const BuiltinDefinition> drawingEntityFunctions() {
+    return kTable;
+}
 
-}  // namespace drafthost::lisp
+} // namespace drafthost::lisp

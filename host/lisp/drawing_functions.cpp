@@ -3,11 +3,11 @@
 namespace drafthost::lisp {
 
 void defineDrawingFunctions(Interpreter& interpreter) {
-    for (const auto& table :
-         {drawingEntityFunctions(), drawingTableFunctions(), drawingSelectionFunctions(), drawingSettingFunctions(),
-          inputPromptFunctions(), inputCommandFunctions(), inputScreenFunctions()}) {
+    for (const auto& table : {drawingEntityFunctions(), drawingTableFunctions(), drawingSelectionFunctions(),
+                              drawingSettingFunctions(), inputPromptFunctions(), inputCommandFunctions(),
+                              inputScreenFunctions()}) {
         interpreter.defineBuiltins(table);
     }
 }
 
-}  // namespace drafthost::lisp
+} // namespace drafthost::lisp

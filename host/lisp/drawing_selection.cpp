@@ -16,11 +16,17 @@ SelectionSet& setArgument(Arguments arguments, std::size_t index) {
     return static_cast<SelectionSet&>(*arguments.selectionSet(index));
 }
 
-Document& documentOf(Interpreter& interpreter) { return interpreter.attached<Document>(); }
+Document& documentOf(Interpreter& interpreter) {
+    return interpreter.attached<Document>();
+}
 
-bool isPoint(Value value) { return value.isPair() && value.car().isNumber(); }
-bool isPointList(Value value) { return value.isPair() && isPoint(value.car()) && !value.car().car().isNil() &&
-                                       value.car().cdr().isPair() && value.car().cdr().car().isNumber(); }
+bool isPoint(Value value) {
+    return value.isPair() && value.car().isNumber();
+}
+bool isPointList(Value value) {
+    return value.isPair() && isPoint(value.car()) && !value.car().car().isNil() &&
+           value.car().cdr().isPair() && value.car().cdr().car().isNumber();
+}
 
 AcGePoint3d toPoint(Value value) {
     const Point point = pointOf(value);
@@ -29,17 +35,20 @@ AcGePoint3d toPoint(Value value) {
 
 // (ssget [mode] [point [point]] [points] [filter]): what an argument is shows in its own form.
 void takeArgument(editor::SelectRequest& request, Value argument, bool first) {
-    if (argument.isNil()) return;
+    if (argument.isNil())
+        return;
     if (argument.isString() && first) {
         request.mode = argument.asString();
     } else if (isPoint(argument)) {
         request.points.push_back(toPoint(argument));
     } else if (isPointList(argument)) {
-        for (Value point : elements(argument)) request.points.push_back(toPoint(point));
+        for (Value point : elements(argument))
+            request.points.push_back(toPoint(point));
     } else if (argument.isPair()) {
         std::wstring problem;
         const editor::ValueList groups = editor::groupsFromValue(argument);
-        if (!request.filter.parse(groups.get(), problem)) throw LispError(L"bad ssget list: " + problem);
+        if (!request.filter.parse(groups.get(), problem))
+            throw LispError(L"bad ssget list: " + problem);
     } else {
         raiseBadArgumentType(L"ssget argument:", argument);
     }
@@ -47,19 +56,24 @@ void takeArgument(editor::SelectRequest& request, Value argument, bool first) {
 
 bool isKnownMode(std::wstring mode) {
     const std::size_t start = mode.starts_with(L"_") ? 1 : 0;
-    mode = toUpper(mode.substr(start, mode.find(L':') == std::wstring::npos ? mode.npos : mode.find(L':') - start));
+    mode = toUpper(
+        mode.substr(start, mode.find(L':') == std::wstring::npos ? mode.npos : mode.find(L':') - start));
     for (const wchar_t* known : {L"", L"X", L"A", L"L", L"P", L"I", L"W", L"C", L"BOX", L"WP", L"CP", L"F"}) {
-        if (mode == known) return true;
+        if (mode == known)
+            return true;
     }
     return false;
 }
 
 Value ssget(Interpreter& interpreter, Arguments arguments) {
     editor::SelectRequest request;
-    for (std::size_t i = 0; i < arguments.size(); ++i) takeArgument(request, arguments[i], i == 0);
-    if (!isKnownMode(request.mode)) throw LispError(L"bad ssget mode string");
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+        takeArgument(request, arguments[i], i == 0);
+    if (!isKnownMode(request.mode))
+        throw LispError(L"bad ssget mode string");
     editor::SelectResult result = editor::select(documentOf(interpreter), request);
-    if (result.status == RTCAN) raiseCancelled();
+    if (result.status == RTCAN)
+        raiseCancelled();
     return result.set ? interpreter.selectionSet(std::move(result.set)) : Value();
 }
 
@@ -75,7 +89,8 @@ Value ssadd(Interpreter& interpreter, Arguments arguments) {
     arguments.entityName(0);
     const AcDbObjectId id = editor::entityOf(arguments[0]);
     SelectionSet& set = setArgument(arguments, 1);
-    if (id.isNull() || id.isErased()) return {};
+    if (id.isNull() || id.isErased())
+        return {};
     set.add(id);
     return arguments[1];
 }
@@ -97,7 +112,8 @@ Value sslength(Interpreter&, Arguments arguments) {
 Value ssname(Interpreter& interpreter, Arguments arguments) {
     const SelectionSet& set = setArgument(arguments, 0);
     const double index = arguments.real(1);
-    if (index < 0 || index >= static_cast<double>(set.members().size())) return {};
+    if (index < 0 || index >= static_cast<double>(set.members().size()))
+        return {};
     return editor::entityValue(interpreter, set.members()[static_cast<std::size_t>(index)]);
 }
 
@@ -106,7 +122,8 @@ Value ssnamex(Interpreter& interpreter, Arguments arguments) {
     const SelectionSet& set = setArgument(arguments, 0);
     ListBuilder list(interpreter);
     for (std::size_t i = 0; i < set.members().size(); ++i) {
-        if (arguments.has(1) && static_cast<std::size_t>(arguments.integer(1)) != i) continue;
+        if (arguments.has(1) && static_cast<std::size_t>(arguments.integer(1)) != i)
+            continue;
         list.append(interpreter.list(
             {Value::integer(0), editor::entityValue(interpreter, set.members()[i]), Value::integer(0)}));
     }
@@ -140,8 +157,10 @@ constexpr BuiltinDefinition kTable[] = {
     {L"ssgetfirst", ssgetfirst, 0, 0, L"(ssgetfirst) -> (nil pickset)"},
 };
 
-}  // namespace
+} // namespace
 
-std::span<const BuiltinDefinition> drawingSelectionFunctions() { return kTable; }
+std::span<const BuiltinDefinition> drawingSelectionFunctions() {
+    return kTable;
+}
 
-}  // namespace drafthost::lisp
+} // namespace drafthost::lisp

@@ -15,7 +15,9 @@ namespace {
 
 using editor::VariableValue;
 
-Document& documentOf(Interpreter& interpreter) { return interpreter.attached<Document>(); }
+Document& documentOf(Interpreter& interpreter) {
+    return interpreter.attached<Document>();
+}
 
 struct ValueMaker {
     Interpreter& interpreter;
@@ -37,10 +39,14 @@ Value getvar(Interpreter& interpreter, Arguments arguments) {
 }
 
 std::optional<VariableValue> variableValue(Value value) {
-    if (value.isInteger()) return value.asInteger();
-    if (value.isReal()) return value.asReal();
-    if (value.isString()) return value.asString();
-    if (!value.isPair()) return std::nullopt;
+    if (value.isInteger())
+        return value.asInteger();
+    if (value.isReal())
+        return value.asReal();
+    if (value.isString())
+        return value.asString();
+    if (!value.isPair())
+        return std::nullopt;
     const Point point = pointOf(value);
     return AcGePoint3d(point.x, point.y, point.z);
 }
@@ -48,10 +54,11 @@ std::optional<VariableValue> variableValue(Value value) {
 Value setvar(Interpreter& interpreter, Arguments arguments) {
     const std::wstring name = nameArgument(arguments, 0);
     const auto value = variableValue(arguments[1]);
-    const auto outcome = value ? editor::setVariable(documentOf(interpreter), name, *value)
-                               : editor::SetOutcome::WrongType;
+    const auto outcome =
+        value ? editor::setVariable(documentOf(interpreter), name, *value) : editor::SetOutcome::WrongType;
     if (outcome != editor::SetOutcome::Done) {
-        throw LispError(L"variable setting rejected: \"" + toUpper(name) + L"\" " + interpreter.prin1ToString(arguments[1]));
+        throw LispError(L"variable setting rejected: \"" + toUpper(name) + L"\" " +
+                        interpreter.prin1ToString(arguments[1]));
     }
     return arguments[1];
 }
@@ -62,7 +69,8 @@ Value trans(Interpreter& interpreter, Arguments arguments) {
     const editor::ValueList to = editor::toValueList(arguments.values().subspan(2, 1));
     // A normal may be written with integers.
     const auto vectorNode = [](resbuf* node, Value value) {
-        if (!value.isPair()) return;
+        if (!value.isPair())
+            return;
         const Point normal = pointOf(value);
         node->restype = RT3DPOINT;
         const ads_real coordinates[] = {normal.x, normal.y, normal.z};
@@ -72,13 +80,15 @@ Value trans(Interpreter& interpreter, Arguments arguments) {
     vectorNode(to.get(), arguments[2]);
     const ads_point point = {given.x, given.y, given.z};
     ads_point result = {0, 0, 0};
-    if (acedTrans(point, from.get(), to.get(), arguments.has(3), result) != RTNORM) return {};
+    if (acedTrans(point, from.get(), to.get(), arguments.has(3), result) != RTNORM)
+        return {};
     return interpreter.point(result[0], result[1], result[2]);
 }
 
 Value assocOf(Value list, int code) {
     for (Value group : elements(list)) {
-        if (group.isPair() && group.car() == Value::integer(code)) return group.cdr();
+        if (group.isPair() && group.car() == Value::integer(code))
+            return group.cdr();
     }
     return {};
 }
@@ -92,17 +102,21 @@ double numberIn(Value list, int code, double fallback) {
 Value textbox(Interpreter& interpreter, Arguments arguments) {
     const Value list = arguments.list(0);
     const Value content = assocOf(list, 1);
-    if (!content.isString()) return {};
+    if (!content.isString())
+        return {};
     const AcDbDatabase& database = *documentOf(interpreter).database();
     AcDbObjectId style = database.textstyle();
     if (const Value name = assocOf(list, 7); name.isString()) {
         const AcDbObjectId named = findRecord(&database, TableIndex::TextStyle, name.asString());
-        if (!named.isNull()) style = named;
+        if (!named.isNull())
+            style = named;
     }
     const AcDbText text({}, content.asString().c_str(), style, numberIn(list, 40, database.textsize()), 0);
     AcDbExtents box;
-    if (text.getGeomExtents(box) != Acad::eOk || !box.isValid()) return {};
-    return interpreter.list({editor::pointValue(interpreter, box.minPoint()), editor::pointValue(interpreter, box.maxPoint())});
+    if (text.getGeomExtents(box) != Acad::eOk || !box.isValid())
+        return {};
+    return interpreter.list(
+        {editor::pointValue(interpreter, box.minPoint()), editor::pointValue(interpreter, box.maxPoint())});
 }
 
 // The host has no object snap in its prompts, and so none here.
@@ -118,13 +132,15 @@ Value findfile(Interpreter& interpreter, Arguments arguments) {
 
 Value arx(Interpreter& interpreter, Arguments) {
     ListBuilder names(interpreter);
-    for (const auto& module : theHost().modules().all()) names.append(interpreter.string(module->fileName()));
+    for (const auto& module : theHost().modules().all())
+        names.append(interpreter.string(module->fileName()));
     return names.list();
 }
 
 // The second argument is what a failure answers; without it a failure is an error.
 Value failed(Arguments arguments, const std::wstring& message) {
-    if (arguments.size() > 1) return arguments[1];
+    if (arguments.size() > 1)
+        return arguments[1];
     throw LispError(message);
 }
 
@@ -135,23 +151,29 @@ Value arxload(Interpreter&, Arguments arguments) {
 
 Value arxunload(Interpreter&, Arguments arguments) {
     std::wstring message;
-    return theHost().modules().unload(arguments.string(0), false, message) ? arguments[0] : failed(arguments, message);
+    return theHost().modules().unload(arguments.string(0), false, message) ? arguments[0]
+                                                                           : failed(arguments, message);
 }
 
 Value getcname(Interpreter& interpreter, Arguments arguments) {
     const editor::CommandDefinition* const command = editor::findCommand(arguments.string(0));
-    if (!command) return {};
+    if (!command)
+        return {};
     const bool global = arguments.string(0).starts_with(L"_");
     return interpreter.string((global ? L"" : L"_") + std::wstring(command->name));
 }
 
-Value ver(Interpreter& interpreter, Arguments) { return interpreter.string(L"drafthost LISP 1.0"); }
+Value ver(Interpreter& interpreter, Arguments) {
+    return interpreter.string(L"drafthost LISP 1.0");
+}
 
 constexpr BuiltinDefinition kTable[] = {
     {L"getvar", getvar, 1, 1, L"(getvar name) -> value of the system variable, or nil"},
     {L"setvar", setvar, 2, 2, L"(setvar name value) -> value"},
-    {L"trans", trans, 3, 4, L"(trans point from to [displacement]) -> point in the other coordinate system, or nil"},
-    {L"textbox", textbox, 1, 1, L"(textbox groups) -> (lower-left upper-right) of a text at the origin, or nil"},
+    {L"trans", trans, 3, 4,
+     L"(trans point from to [displacement]) -> point in the other coordinate system, or nil"},
+    {L"textbox", textbox, 1, 1,
+     L"(textbox groups) -> (lower-left upper-right) of a text at the origin, or nil"},
     {L"osnap", osnap, 2, 2, L"(osnap point modes) -> nil: there is no object snap"},
     {L"findfile", findfile, 1, 1, L"(findfile name) -> full path, or nil"},
     {L"arx", arx, 0, 0, L"(arx) -> names of the loaded modules"},
@@ -161,8 +183,10 @@ constexpr BuiltinDefinition kTable[] = {
     {L"ver", ver, 0, 0, L"(ver) -> version of the LISP"},
 };
 
-}  // namespace
+} // namespace
 
-std::span<const BuiltinDefinition> drawingSettingFunctions() { return kTable; }
+std::span<const BuiltinDefinition> drawingSettingFunctions() {
+    return kTable;
+}
 
-}  // namespace drafthost::lisp
+} // namespace drafthost::lisp

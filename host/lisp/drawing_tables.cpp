@@ -25,24 +25,28 @@ Value tblnext(Interpreter& interpreter, Arguments arguments) {
 
 Value tblobjname(Interpreter& interpreter, Arguments arguments) {
     ads_name name = {0, 0};
-    if (acdbTblObjName(arguments.string(0).c_str(), arguments.string(1).c_str(), name) != RTNORM) return {};
+    if (acdbTblObjName(arguments.string(0).c_str(), arguments.string(1).c_str(), name) != RTNORM)
+        return {};
     return interpreter.entityName(static_cast<std::uint64_t>(name[0]), static_cast<std::uint64_t>(name[1]));
 }
 
-AcDbDatabase& databaseOf(Interpreter& interpreter) { return *interpreter.attached<Document>().database(); }
+AcDbDatabase& databaseOf(Interpreter& interpreter) {
+    return *interpreter.attached<Document>().database();
+}
 
 Value namedobjdict(Interpreter& interpreter, Arguments) {
     return editor::entityValue(interpreter, databaseOf(interpreter).namedObjectsDictionaryId());
 }
 
 AcDbObjectId idArgument(Arguments arguments, std::size_t index) {
-    arguments.entityName(index);  // raises for other values
+    arguments.entityName(index); // raises for other values
     return editor::entityOf(arguments[index]);
 }
 
 Value groupsOf(Interpreter& interpreter, AcDbObjectId id) {
     ads_name name = {0, 0};
-    if (acdbGetAdsName(name, id) != Acad::eOk) return {};
+    if (acdbGetAdsName(name, id) != Acad::eOk)
+        return {};
     const ValueList groups(acdbEntGet(name));
     return editor::valueFromGroups(interpreter, groups.get());
 }
@@ -52,7 +56,8 @@ int entryIndex(const AcDbDictionary& dictionary, const std::wstring& wanted) {
     for (int i = 0; i < dictionary.numEntries(); ++i) {
         const ACHAR* name = nullptr;
         AcDbObjectId id;
-        if (dictionary.entryAt(i, name, id) == Acad::eOk && equalNames(name, wanted)) return i;
+        if (dictionary.entryAt(i, name, id) == Acad::eOk && equalNames(name, wanted))
+            return i;
     }
     return -1;
 }
@@ -62,7 +67,8 @@ Value dictsearch(Interpreter& interpreter, Arguments arguments) {
     AcDbObjectId id;
     {
         const AcDbObjectPointer<AcDbDictionary> dictionary(dictionaryId, AcDb::kForRead);
-        if (!dictionary || dictionary->getAt(arguments.string(1).c_str(), id) != Acad::eOk) return {};
+        if (!dictionary || dictionary->getAt(arguments.string(1).c_str(), id) != Acad::eOk)
+            return {};
         if (arguments.has(2)) {
             interpreter.attached<Document>().dictionaryPositions()[dictionaryId] =
                 entryIndex(*dictionary, arguments.string(1)) + 1;
@@ -74,12 +80,14 @@ Value dictsearch(Interpreter& interpreter, Arguments arguments) {
 Value dictnext(Interpreter& interpreter, Arguments arguments) {
     const AcDbObjectId dictionaryId = idArgument(arguments, 0);
     int& position = interpreter.attached<Document>().dictionaryPositions()[dictionaryId];
-    if (arguments.has(1)) position = 0;
+    if (arguments.has(1))
+        position = 0;
     AcDbObjectId id;
     {
         const AcDbObjectPointer<AcDbDictionary> dictionary(dictionaryId, AcDb::kForRead);
         const ACHAR* name = nullptr;
-        if (!dictionary || dictionary->entryAt(position, name, id) != Acad::eOk) return {};
+        if (!dictionary || dictionary->entryAt(position, name, id) != Acad::eOk)
+            return {};
     }
     ++position;
     return groupsOf(interpreter, id);
@@ -98,9 +106,11 @@ Value dictremove(Interpreter& interpreter, Arguments arguments) {
 
 // Names of the layouts in the order of the dictionary, without the model's.
 Value layoutlist(Interpreter& interpreter, Arguments) {
-    const AcDbObjectPointer<AcDbDictionary> named(databaseOf(interpreter).namedObjectsDictionaryId(), AcDb::kForRead);
+    const AcDbObjectPointer<AcDbDictionary> named(databaseOf(interpreter).namedObjectsDictionaryId(),
+                                                  AcDb::kForRead);
     AcDbObjectId id;
-    if (!named || named->getAt(L"ACAD_LAYOUT", id) != Acad::eOk) return {};
+    if (!named || named->getAt(L"ACAD_LAYOUT", id) != Acad::eOk)
+        return {};
     const AcDbObjectPointer<AcDbDictionary> layouts(id, AcDb::kForRead);
     ListBuilder names(interpreter);
     for (int i = 0; layouts && i < layouts->numEntries(); ++i) {
@@ -121,15 +131,18 @@ constexpr BuiltinDefinition kTable[] = {
     {L"tblnext", tblnext, 1, 2, L"(tblnext table [rewind]) -> groups of the next record, or nil"},
     {L"tblobjname", tblobjname, 2, 2, L"(tblobjname table name) -> entity name of the record, or nil"},
     {L"namedobjdict", namedobjdict, 0, 0, L"(namedobjdict) -> entity name of the named objects dictionary"},
-    {L"dictsearch", dictsearch, 2, 3, L"(dictsearch dictionary name [setnext]) -> groups of the entry, or nil"},
+    {L"dictsearch", dictsearch, 2, 3,
+     L"(dictsearch dictionary name [setnext]) -> groups of the entry, or nil"},
     {L"dictnext", dictnext, 1, 2, L"(dictnext dictionary [rewind]) -> groups of the next entry, or nil"},
     {L"dictremove", dictremove, 2, 2, L"(dictremove dictionary name) -> entity name of the entry, or nil"},
     {L"layoutlist", layoutlist, 0, 0, L"(layoutlist) -> names of the paper space layouts"},
     {L"snvalid", snvalid, 1, 2, L"(snvalid name) -> T when the name can be a symbol table record's"},
 };
 
-}  // namespace
+} // namespace
 
-std::span<const BuiltinDefinition> drawingTableFunctions() { return kTable; }
+std::span<const BuiltinDefinition> drawingTableFunctions() {
+    return kTable;
+}
 
-}  // namespace drafthost::lisp
+} // namespace drafthost::lisp

@@ -24,7 +24,8 @@ CommandWord wordOf(Value value) {
     } else if (auto answer = editor::answerFromValue(value)) {
         word.answer = std::move(*answer);
         const bool empty = word.answer.kind == Answer::Kind::Typed && word.answer.text.empty();
-        if (empty) word.answer.kind = Answer::Kind::Enter;
+        if (empty)
+            word.answer.kind = Answer::Kind::Enter;
     } else {
         raiseBadArgumentType(L"command argument:", value);
     }
@@ -33,13 +34,15 @@ CommandWord wordOf(Value value) {
 
 bool runWords(Interpreter& interpreter, Arguments arguments) {
     editor::CommandRunner& commands = interpreter.attached<Document>().commands();
-    if (commands.busy()) throw LispError(L"a command is waiting for an answer");
+    if (commands.busy())
+        throw LispError(L"a command is waiting for an answer");
     if (arguments.empty()) {
         commands.cancel();
         return true;
     }
     std::vector<CommandWord> words;
-    for (Value value : arguments) words.push_back(wordOf(value));
+    for (Value value : arguments)
+        words.push_back(wordOf(value));
     const bool known = commands.feed(std::move(words));
     interpreter.pollCancel();
     return known;
@@ -60,18 +63,23 @@ Value commandS(Interpreter& interpreter, Arguments arguments) {
     editor::CommandRunner& commands = interpreter.attached<Document>().commands();
     const bool unfinished = commands.active();
     commands.cancel();
-    if (!known || unfinished) throw LispError(L"invalid command-s");
+    if (!known || unfinished)
+        throw LispError(L"invalid command-s");
     return {};
 }
 
 constexpr BuiltinDefinition kTable[] = {
-    {L"command", command, 0, anyNumber, L"(command [word ...]) -> nil; \"\" is Return, \"\\\\\" lets the drafter answer"},
+    {L"command", command, 0, anyNumber,
+     L"(command [word ...]) -> nil; \"\" is Return, \"\\\\\" lets the drafter answer"},
     {L"vl-cmdf", vlCmdf, 0, anyNumber, L"(vl-cmdf [word ...]) -> T, or nil for an unknown command"},
-    {L"command-s", commandS, 1, anyNumber, L"(command-s word ...) -> nil; the command must end with the words"},
+    {L"command-s", commandS, 1, anyNumber,
+     L"(command-s word ...) -> nil; the command must end with the words"},
 };
 
-}  // namespace
+} // namespace
 
-std::span<const BuiltinDefinition> inputCommandFunctions() { return kTable; }
+std::span<const BuiltinDefinition> inputCommandFunctions() {
+    return kTable;
+}
 
-}  // namespace drafthost::lisp
+} // namespace drafthost::lisp

@@ -13,14 +13,17 @@ using editor::InputRequest;
 using editor::InputResult;
 using Kind = InputRequest::Kind;
 
-Document& documentOf(Interpreter& interpreter) { return interpreter.attached<Document>(); }
+Document& documentOf(Interpreter& interpreter) {
+    return interpreter.attached<Document>();
+}
 
 // [point] [prompt] in this order, either left out.
 InputRequest requestOf(Kind kind, Arguments arguments) {
     InputRequest request;
     request.kind = kind;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        if (arguments[i].isNil()) continue;
+        if (arguments[i].isNil())
+            continue;
         if (arguments[i].isString()) {
             request.prompt = arguments.string(i);
         } else {
@@ -35,10 +38,14 @@ InputRequest requestOf(Kind kind, Arguments arguments) {
 template <class Make>
 Value answered(Interpreter& interpreter, const InputResult& answer, Make make) {
     switch (answer.status) {
-        case RTNORM: return make(answer);
-        case RTKWORD: return interpreter.string(answer.text);
-        case RTCAN: raiseCancelled();
-        default: return {};
+    case RTNORM:
+        return make(answer);
+    case RTKWORD:
+        return interpreter.string(answer.text);
+    case RTCAN:
+        raiseCancelled();
+    default:
+        return {};
     }
 }
 
@@ -62,12 +69,14 @@ Value getcorner(Interpreter& interpreter, Arguments arguments) {
 
 Value getint(Interpreter& interpreter, Arguments arguments) {
     const InputResult answer = documentOf(interpreter).prompts().ask(requestOf(Kind::Integer, arguments));
-    return answered(interpreter, answer, [](const InputResult& given) { return Value::integer(given.integer); });
+    return answered(interpreter, answer,
+                    [](const InputResult& given) { return Value::integer(given.integer); });
 }
 
 Value getkword(Interpreter& interpreter, Arguments arguments) {
     const InputResult answer = documentOf(interpreter).prompts().ask(requestOf(Kind::Keyword, arguments));
-    return answered(interpreter, answer, [&](const InputResult& given) { return interpreter.string(given.text); });
+    return answered(interpreter, answer,
+                    [&](const InputResult& given) { return interpreter.string(given.text); });
 }
 
 // (getstring [blanks] [prompt])
@@ -75,9 +84,11 @@ Value getstring(Interpreter& interpreter, Arguments arguments) {
     InputRequest request;
     const bool promptOnly = arguments.size() == 1 && arguments[0].isString();
     request.allowBlanks = !promptOnly && arguments.has(0);
-    if (promptOnly || arguments.has(1)) request.prompt = arguments.string(promptOnly ? 0 : 1);
+    if (promptOnly || arguments.has(1))
+        request.prompt = arguments.string(promptOnly ? 0 : 1);
     const InputResult answer = documentOf(interpreter).prompts().ask(request);
-    return answered(interpreter, answer, [&](const InputResult& given) { return interpreter.string(given.text); });
+    return answered(interpreter, answer,
+                    [&](const InputResult& given) { return interpreter.string(given.text); });
 }
 
 // (initget [bits] [keywords])
@@ -96,20 +107,26 @@ Value initget(Interpreter& interpreter, Arguments arguments) {
 }
 
 // The pick, or the value that ends the call (nil, a keyword) in `ended`.
-std::optional<editor::EntityPick> pickEntity(Interpreter& interpreter, const std::wstring& prompt, Value& ended) {
+std::optional<editor::EntityPick> pickEntity(Interpreter& interpreter, const std::wstring& prompt,
+                                             Value& ended) {
     Document& document = documentOf(interpreter);
     const editor::EntityPick pick = editor::askEntity(document, prompt);
-    if (pick.status == RTCAN) raiseCancelled();
-    if (pick.status == RTNORM) return pick;
-    if (pick.status == RTKWORD) ended = interpreter.string(document.prompts().lastInput());
+    if (pick.status == RTCAN)
+        raiseCancelled();
+    if (pick.status == RTNORM)
+        return pick;
+    if (pick.status == RTKWORD)
+        ended = interpreter.string(document.prompts().lastInput());
     return std::nullopt;
 }
 
 Value entsel(Interpreter& interpreter, Arguments arguments) {
     Value ended;
     const auto pick = pickEntity(interpreter, std::wstring(arguments.stringOr(0, L"")), ended);
-    if (!pick) return ended;
-    return interpreter.list({editor::entityValue(interpreter, pick->entity), editor::pointValue(interpreter, pick->point)});
+    if (!pick)
+        return ended;
+    return interpreter.list(
+        {editor::entityValue(interpreter, pick->entity), editor::pointValue(interpreter, pick->point)});
 }
 
 // Columns of the matrix as nentsel gives it (four points: the axes and the origin), rows as nentselp does.
@@ -129,9 +146,11 @@ Value nestedValue(Interpreter& interpreter, AcDbObjectId entity, const AcGePoint
     const editor::NestedPick nested = editor::nestedAt(documentOf(interpreter), entity, point);
     const Value part = editor::entityValue(interpreter, nested.part);
     const Value at = editor::pointValue(interpreter, point);
-    if (nested.parents.empty()) return interpreter.list({part, at});
+    if (nested.parents.empty())
+        return interpreter.list({part, at});
     ListBuilder parents(interpreter);
-    for (const AcDbObjectId id : nested.parents) parents.append(editor::entityValue(interpreter, id));
+    for (const AcDbObjectId id : nested.parents)
+        parents.append(editor::entityValue(interpreter, id));
     return interpreter.list({part, at, matrixValue(interpreter, nested.toWorld, asRows), parents.list()});
 }
 
@@ -144,7 +163,8 @@ Value nentsel(Interpreter& interpreter, Arguments arguments) {
 // (nentselp [prompt] [point]): with a point nobody is asked.
 Value nentselp(Interpreter& interpreter, Arguments arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        if (!arguments[i].isPair()) continue;
+        if (!arguments[i].isPair())
+            continue;
         const Point given = arguments.point(i);
         const AcGePoint3d point(given.x, given.y, given.z);
         const AcDbObjectId id = editor::entityAt(documentOf(interpreter), point);
@@ -164,9 +184,12 @@ Value grread(Interpreter& interpreter, Arguments arguments) {
     request.tracking = arguments.has(0);
     const InputResult answer = documentOf(interpreter).prompts().ask(request);
     const auto event = [&](int code, Value value) { return interpreter.list({Value::integer(code), value}); };
-    if (answer.status == RTCAN) raiseCancelled();
-    if (answer.status == RTNONE) return event(kKey, Value::integer(kReturn));
-    if (!answer.text.empty()) return event(kKey, Value::integer(answer.text[0]));
+    if (answer.status == RTCAN)
+        raiseCancelled();
+    if (answer.status == RTNONE)
+        return event(kKey, Value::integer(kReturn));
+    if (!answer.text.empty())
+        return event(kKey, Value::integer(answer.text[0]));
     const int code = answer.answer.kind == editor::Answer::Kind::Move ? kMovement : kClick;
     return event(code, editor::pointValue(interpreter, answer.point));
 }
@@ -178,7 +201,8 @@ Value getfiled(Interpreter& interpreter, Arguments arguments) {
     request.prompt = L"\n" + arguments.string(0) + (usual.empty() ? L": " : L" <" + usual + L">: ");
     request.allowBlanks = true;
     const InputResult answer = documentOf(interpreter).prompts().ask(request);
-    if (answer.status != RTNORM || answer.text.empty()) return {};
+    if (answer.status != RTNORM || answer.text.empty())
+        return {};
     return interpreter.string(answer.text);
 }
 
@@ -187,7 +211,8 @@ Value colorDialog(Interpreter& interpreter, Arguments arguments) {
     request.kind = Kind::Integer;
     request.prompt = L"\nNew color <" + std::to_wstring(arguments.integer(0)) + L">: ";
     const InputResult answer = documentOf(interpreter).prompts().ask(request);
-    if (answer.status == RTNONE) return arguments[0];
+    if (answer.status == RTNONE)
+        return arguments[0];
     const bool valid = answer.status == RTNORM && answer.integer >= 0 && answer.integer <= 256;
     return valid ? Value::integer(answer.integer) : Value();
 }
@@ -198,7 +223,8 @@ constexpr BuiltinDefinition kTable[] = {
     {L"getcorner", getcorner, 1, 2, L"(getcorner base [prompt]) -> point, keyword or nil"},
     {L"getdist", getNumberOf<Kind::Distance>, 0, 2, L"(getdist [base] [prompt]) -> distance, keyword or nil"},
     {L"getangle", getNumberOf<Kind::Angle>, 0, 2, L"(getangle [base] [prompt]) -> radians, keyword or nil"},
-    {L"getorient", getNumberOf<Kind::Orientation>, 0, 2, L"(getorient [base] [prompt]) -> radians, keyword or nil"},
+    {L"getorient", getNumberOf<Kind::Orientation>, 0, 2,
+     L"(getorient [base] [prompt]) -> radians, keyword or nil"},
     {L"getreal", getNumberOf<Kind::Real>, 0, 1, L"(getreal [prompt]) -> real, keyword or nil"},
     {L"getint", getint, 0, 1, L"(getint [prompt]) -> integer, keyword or nil"},
     {L"getkword", getkword, 0, 1, L"(getkword [prompt]) -> keyword of initget, or nil"},
@@ -207,12 +233,16 @@ constexpr BuiltinDefinition kTable[] = {
     {L"nentsel", nentsel, 0, 1, L"(nentsel [prompt]) -> (name point [matrix (parents)]), keyword or nil"},
     {L"nentselp", nentselp, 0, 2, L"(nentselp [prompt] [point]) -> (name point [matrix (parents)]), or nil"},
     {L"grread", grread, 0, 3, L"(grread [track [bits [cursor]]]) -> (3 point), (5 point) or (2 character)"},
-    {L"getfiled", getfiled, 4, 4, L"(getfiled title default extension flags) -> name typed at the command line, or nil"},
-    {L"acad_colordlg", colorDialog, 1, 2, L"(acad_colordlg index [bylayer]) -> index typed at the command line, or nil"},
+    {L"getfiled", getfiled, 4, 4,
+     L"(getfiled title default extension flags) -> name typed at the command line, or nil"},
+    {L"acad_colordlg", colorDialog, 1, 2,
+     L"(acad_colordlg index [bylayer]) -> index typed at the command line, or nil"},
 };
 
-}  // namespace
+} // namespace
 
-std::span<const BuiltinDefinition> inputPromptFunctions() { return kTable; }
+std::span<const BuiltinDefinition> inputPromptFunctions() {
+    return kTable;
+}
 
-}  // namespace drafthost::lisp
+} // namespace drafthost::lisp

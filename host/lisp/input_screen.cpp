@@ -8,15 +8,20 @@ namespace drafthost::lisp {
 
 namespace {
 
-Value nothing(Interpreter&, Arguments) { return {}; }
-Value firstArgument(Interpreter&, Arguments arguments) { return arguments[0]; }
+Value nothing(Interpreter&, Arguments) {
+    return {};
+}
+Value firstArgument(Interpreter&, Arguments arguments) {
+    return arguments[0];
+}
 
 Value alert(Interpreter&, Arguments arguments) {
     acedAlert(arguments.string(0).c_str());
     return {};
 }
 
-// Starting other programs is refused: a drawing's program must not run anything on the drafter's machine unseen.
+// Starting other programs is refused: a drawing's program must not run anything on the drafter's machine
+// unseen.
 Value startapp(Interpreter&, Arguments arguments) {
     theHost().warn(L"startapp \"" + arguments.string(0) + L"\" was refused");
     return {};
@@ -37,8 +42,10 @@ constexpr BuiltinDefinition kTable[] = {
     {L"setfunhelp", firstArgument, 1, 4, L"(setfunhelp name [file [topic [command]]]) -> name"},
 };
 
-}  // namespace
+} // namespace
 
-std::span<const BuiltinDefinition> inputScreenFunctions() { return kTable; }
+std::span<const BuiltinDefinition> inputScreenFunctions() {
+    return kTable;
+}
 
-}  // namespace drafthost::lisp
+} // namespace drafthost::lisp

@@ -182,12 +182,11 @@ std::vector<std::wstring> Interpreter::boundNames() const {
 void Interpreter::print(std::wstring_view text) {
     if (!text.empty()) {
         console_.write(text);
-        lineStarted_ = text.back() != L'\n';
     }
 }
 
 void Interpreter::freshLine() {
-    if (lineStarted_) {
+    if (!console_.atLineStart()) {
         print(L"\n");
     }
 }

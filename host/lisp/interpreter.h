@@ -245,7 +245,6 @@ private:
     Limits limits_;
     std::atomic<std::uint32_t> pollFlags_{0};
     bool collectAtEverySafePoint_ = false;
-    bool lineStarted_ = false;
     int topLevelDepth_ = 0;
     class Root* roots_ = nullptr;
     std::unique_ptr<Heap> heap_;

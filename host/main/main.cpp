@@ -2,4 +2,6 @@
 
 #include "host/documents/session.h"
 
-int wmain(int argumentCount, wchar_t** arguments) { return drafthostMain(argumentCount, arguments); }
+int wmain(int argumentCount, wchar_t** arguments) {
+    return drafthostMain(argumentCount, arguments);
+}

@@ -1,6 +1,7 @@
 """Looks into DXF files: what an independent reader finds wrong with one, and what of one file is missing in another."""
 
 import collections
+import re
 
 import ezdxf
 import ezdxf.recover
@@ -40,14 +41,25 @@ def tags(path):
 def normal(code, value):
     """A value in a form that does not depend on how it was spelt."""
     if 10 <= code <= 59 or 110 <= code <= 149 or 210 <= code <= 239 or 460 <= code <= 469 or 1010 <= code <= 1059:
-        return float(value)
+        number = float("%.9g" % float(value))
+        return number % 360 if code in (50, 51) else number
     if 60 <= code <= 99 or 160 <= code <= 179 or 270 <= code <= 299 or 370 <= code <= 389 or 400 <= code <= 409 \
             or 420 <= code <= 429 or 440 <= code <= 459 or 1060 <= code <= 1071:
         return int(float(value))
     if code in (5, 105, 1005) or 320 <= code <= 369 or 390 <= code <= 399 or 480 <= code <= 481:
         return value.strip().lstrip("0").upper() or "0"
+    if code in (6, 8):
+        return valid_name(value)
     # A caret may stand for itself, but is written with a blank behind it.
     return value.replace("^ ", "^").rstrip() if code in (0, 2, 8, 100, 102) else value.replace("^ ", "^")
+
+
+def decoded(text):
+    return re.sub(r"\\U\+([0-9A-Fa-f]{4})", lambda found: chr(int(found.group(1), 16)), text)
+
+
+def valid_name(name):
+    return re.sub('[<>/\\\\":;?*=`,]', "_", name.strip().upper())
 
 
 class Record:
@@ -84,11 +96,18 @@ def records(path):
 
 # Groups that may be left out when they have this value, or that other groups determine.
 DEFAULTS = {
-    6: ("BYLAYER", "ByLayer"), 39: (0.0,), 48: (1.0,), 60: (0,), 62: (256,), 67: (0,), 370: (-1,), 38: (0.0,),
+    6: ("BYLAYER",), 39: (0.0,), 48: (1.0,), 60: (0,), 62: (256,), 67: (0,), 370: (-1,), 38: (0.0,),
     40: (0.0,), 41: (0.0, 1.0), 42: (0.0, 1.0), 44: (0.0, 1.0), 50: (0.0,), 51: (0.0,), 71: (0, 1), 72: (0, 1), 73: (0, 1),
     280: (0,), 281: (1,), 290: (1,), 70: (0, 1), 7: ("STANDARD", "Standard"), 45: (0.0,), 43: (0.0, 1.0), 210: (0.0,), 220: (0.0,), 230: (1.0,), 66: (0, 1),
     21: (0.0,), 11: (0.0,), 31: (0.0,), 30: (0.0,), 3: ("",), 1: ("",), 2: ("",), 4: ("",),
 }
+
+
+def joined_pieces(record):
+    """Long texts as one group: they may be cut at other places."""
+    text = "".join(value for code, value in record.groups if code in (1, 3))
+    if record.kind == "MTEXT" and text:
+        record.groups = [group for group in record.groups if group[0] not in (1, 3)] + [(1, decoded(text))]
 
 
 def losses(before_path, after_path, complete=False):
@@ -99,7 +118,11 @@ def losses(before_path, after_path, complete=False):
     missing = []
     known = {record.handle() for record in before}
     old = version(before_path) < "AC1015"
-    counts_before = collections.Counter(r.kind for r in before if r.section == "ENTITIES")
+    for record in before + after:
+        joined_pieces(record)
+        if record.kind == "LAYER":
+            record.groups = [(code, valid_name(value) if code == 2 else value) for code, value in record.groups]
+    counts_before = collections.Counter(r.kind for r in before if r.section == "ENTITIES" and not left_out(r, False))
     counts_after = collections.Counter(r.kind for r in after if r.section == "ENTITIES")
     for counts in (counts_before, counts_after):
         for kind in ("POLYLINE", "LWPOLYLINE", "VERTEX", "SEQEND") if old else ():
@@ -136,6 +159,12 @@ def left_out(record, old):
     return old and record.kind in ("POLYLINE", "VERTEX", "SEQEND", "DIMSTYLE")
 
 
+# Owners of parts and table records are written in one of two ways; a rotation of multiline text also as a direction.
+def is_free(kind, code):
+    return (code == 330 and kind in ("VERTEX", "ATTRIB", "SEQEND", "ENDBLK", "STYLE", "VPORT", "APPID", "LAYER", "LTYPE")) \
+        or (kind == "MTEXT" and code == 50)
+
+
 def is_reference(code):
     return 330 <= code <= 369 or 390 <= code <= 399
 
@@ -145,7 +174,7 @@ def lost_groups(before, after, known):
     left.subtract(before.groups)
     lost = []
     for (code, value), count in left.items():
-        if count >= 0 or value in DEFAULTS.get(code, ()) or (is_reference(code) and value not in known):
+        if count >= 0 or is_free(before.kind, code) or value in DEFAULTS.get(code, ()) or (is_reference(code) and value not in known):
             continue
         lost.append("%s %s: group %d %r is lost" % (before.kind, before.handle(), code, value))
     return lost

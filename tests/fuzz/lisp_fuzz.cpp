@@ -27,6 +27,7 @@ using namespace drafthost::lisp;
 class SilentConsole final : public Console {
 public:
     void write(std::wstring_view text) override { written += text.size(); }
+    bool atLineStart() const override { return false; }
 
     std::size_t written = 0;
 };

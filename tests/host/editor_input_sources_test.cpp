@@ -35,7 +35,8 @@ struct Fixture {
         auto answers = parseAnswers(text, L"a.answers", problem);
         EXPECT_EQ(problem.line, 0);
         return std::make_unique<ScriptedDrafter>(
-            std::move(answers), L"a.answers", [this](const std::wstring& warning) { warnings.push_back(warning); },
+            std::move(answers), L"a.answers",
+            [this](const std::wstring& warning) { warnings.push_back(warning); },
             [this](const std::wstring& reason) { failures.push_back(reason); });
     }
     std::unique_ptr<InputSource> terminal(std::vector<std::string> given) {
@@ -43,7 +44,8 @@ struct Fixture {
         return std::make_unique<TerminalInput>(lines, commandLine, false);
     }
     std::unique_ptr<InputSource> empty() {
-        return std::make_unique<EmptySource>([this](const std::wstring& warning) { warnings.push_back(warning); });
+        return std::make_unique<EmptySource>(
+            [this](const std::wstring& warning) { warnings.push_back(warning); });
     }
 };
 
@@ -79,7 +81,11 @@ TEST_P(InputSourceContract, NeverShowsAnythingByItselfWhileAsked) {
 INSTANTIATE_TEST_SUITE_P(
     Sources, InputSourceContract,
     testing::Values(SourceCase{"Scripted", [](Fixture& f) { return f.scripted(L"point 1 2\nenter\n"); }, 2},
-                    SourceCase{"Terminal", [](Fixture& f) { return f.terminal({"1,2", "yes"}); }, 2},
+                    SourceCase{"Terminal",
+                               [](Fixture& f) {
+                                   return f.terminal({"1,2", "yes"});
+                               },
+                               2},
                     SourceCase{"Empty", [](Fixture& f) { return f.empty(); }, 0}),
     [](const auto& instance) { return instance.param.name; });
 
@@ -91,8 +97,8 @@ TEST(ScriptedDrafter, NamesLineAndWhatWasWaitedForWhenAnActionDoesNotFit) {
     const Answer answer = source->next(request);
     EXPECT_FALSE(source->refuse(answer, describe(request), L"Requires an integer value."));
     ASSERT_EQ(fixture.failures.size(), 1u);
-    EXPECT_EQ(fixture.failures[0],
-              L"a.answers line 3: the action \"point\" does not fit: the host waits for an integer (Requires an integer value.)");
+    EXPECT_EQ(fixture.failures[0], L"a.answers line 3: the action \"point\" does not fit: the host waits for "
+                                   L"an integer (Requires an integer value.)");
 }
 
 TEST(ScriptedDrafter, SaysThatNoDialogIsWaitingForADialogAction) {
@@ -132,9 +138,10 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(AnswersFile, ReadsEveryActionWithItsValues) {
     AnswersFileError problem;
-    const auto actions = parseAnswers(L"\xFEFFpoint 1 2 3\r\n  angle 90\nstring a  b # c \nwindow 0 0 4 5\npress #12\n"
-                                      L"cell #7 2 3 x y\ncheck #8 off\n",
-                                      L"a", problem);
+    const auto actions =
+        parseAnswers(L"\xFEFFpoint 1 2 3\r\n  angle 90\nstring a  b # c \nwindow 0 0 4 5\npress #12\n"
+                     L"cell #7 2 3 x y\ncheck #8 off\n",
+                     L"a", problem);
     ASSERT_EQ(problem.line, 0) << "line " << problem.line;
     ASSERT_EQ(actions.size(), 7u);
     EXPECT_EQ(actions[0].dimension, 3);
@@ -170,4 +177,4 @@ TEST(CommandLine, KeepsACharacterThatComesInTwoHalvesWhole) {
     EXPECT_EQ(shown, "\xF0\x9F\x98\x80!");
 }
 
-}  // namespace
+} // namespace

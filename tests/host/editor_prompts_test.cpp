@@ -15,7 +15,7 @@ namespace {
 
 // A drafter at a terminal who types the given lines.
 class PromptTest : public testing::Test, public PromptSurroundings {
-  protected:
+protected:
     InputResult ask(Kind kind, std::vector<std::string> typed) {
         typed_ = std::move(typed);
         next_ = 0;
@@ -34,7 +34,8 @@ class PromptTest : public testing::Test, public PromptSurroundings {
     AcGeMatrix3d worldToUcs() const override { return AcGeMatrix3d::translation({-100, 0, 0}); }
     double angleBase() const override { return std::numbers::pi / 2; }
     std::optional<Answer> evaluateTyped(const std::wstring& text) override {
-        if (text != L"!p") return std::nullopt;
+        if (text != L"!p")
+            return std::nullopt;
         return Answer::ofPoint(Answer::Kind::Point, {7, 8, 9});
     }
 
@@ -53,9 +54,8 @@ TEST_F(PromptTest, AsksAgainUntilTheTypedTextFits) {
     const InputResult result = ask(Kind::Integer, {"abc", "1.5", "40000", "12"});
     EXPECT_EQ(result.status, RTNORM);
     EXPECT_EQ(result.integer, 12);
-    EXPECT_EQ(shown_,
-              "? abc\nRequires an integer value.\n? 1.5\nRequires an integer value.\n? 40000\n"
-              "Requires an integer between -32768 and 32767.\n? 12\n");
+    EXPECT_EQ(shown_, "? abc\nRequires an integer value.\n? 1.5\nRequires an integer value.\n? 40000\n"
+                      "Requires an integer between -32768 and 32767.\n? 12\n");
 }
 
 TEST_F(PromptTest, ExcludesWhatInitGetForbidsOnceOnly) {
@@ -139,15 +139,16 @@ TEST_P(TypedAngles, AreUnderstoodInAllTheirUnits) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, TypedAngles,
-                         testing::Values(TypedAngle{L"45", 45}, TypedAngle{L"100g", 90}, TypedAngle{L"10d30'36\"", 10.51},
-                                         TypedAngle{L"-10d30'", -10.5}, TypedAngle{L"10d", 10},
-                                         TypedAngle{L"1x", std::nullopt}, TypedAngle{L"", std::nullopt},
-                                         TypedAngle{L"10d30", std::nullopt}));
+                         testing::Values(TypedAngle{L"45", 45}, TypedAngle{L"100g", 90},
+                                         TypedAngle{L"10d30'36\"", 10.51}, TypedAngle{L"-10d30'", -10.5},
+                                         TypedAngle{L"10d", 10}, TypedAngle{L"1x", std::nullopt},
+                                         TypedAngle{L"", std::nullopt}, TypedAngle{L"10d30", std::nullopt}));
 
 TEST(TypedPoint, RefusesWhatIsNoPoint) {
     for (const wchar_t* text : {L"1", L"1,", L",1", L"1,2,3,4", L"1<x", L"@,", L"0x10,1", L"inf,1", L"1 2"}) {
-        EXPECT_FALSE(typedPoint(text, {}, {})) << std::string(text, text + std::char_traits<wchar_t>::length(text));
+        EXPECT_FALSE(typedPoint(text, {}, {}))
+            << std::string(text, text + std::char_traits<wchar_t>::length(text));
     }
 }
 
-}  // namespace
+} // namespace

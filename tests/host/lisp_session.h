@@ -15,6 +15,7 @@ namespace drafthost::lisp::testing {
 class RecordingConsole final : public Console {
 public:
     void write(std::wstring_view text) override { printed += toUtf8(text); }
+    bool atLineStart() const override { return printed.empty() || printed.back() == '\n'; }
 
     std::string printed;
 };

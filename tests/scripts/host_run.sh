@@ -96,7 +96,7 @@ host run --picture a.gif line.lsp
 check 'a picture of another kind' 2 $? err 'must end in .png or .svg'
 
 # --- the scripted drafter ---
-echo '(princ (list (getpoint "From: ") (getint "Count: ") (getstring T "Text: ")))' >ask.lsp
+echo '(prin1 (list (getpoint "From: ") (getint "Count: ") (getstring T "Text: ")))' >ask.lsp
 printf 'point 1 2\nint 7\nstring two words\n' >good.answers
 host run --answers good.answers ask.lsp
 check 'answers' 0 $? out 'From: 1,2' out 'Count: 7' out '((1.0 2.0 0.0) 7 "two words")'

@@ -1,0 +1,18 @@
+; Draws a rectangular room with a label, as the drafter answers: see room.answers.
+(defun c:room (/ corner opposite name height)
+  (setq corner (getpoint "\nFirst corner: ")
+        opposite (getcorner corner "\nOpposite corner: "))
+  (initget 1 "Kitchen Bath Office")
+  (setq name (getkword "\nUse [Kitchen/Bath/Office]: "))
+  (initget 6)
+  (if (null (setq height (getdist "\nText height <2.5>: "))) (setq height 2.5))
+  (command "_.PLINE" corner (list (car opposite) (cadr corner)) opposite
+           (list (car corner) (cadr opposite)) "_C")
+  (command "_.TEXT" (mapcar '(lambda (a b) (/ (+ a b) 2.0)) corner opposite) height 0 name)
+  (princ (strcat "\n" name ": " (rtos (* (abs (- (car opposite) (car corner)))
+                                          (abs (- (cadr opposite) (cadr corner)))) 2 2) " square units\n"))
+  (princ))
+(setvar "CMDECHO" 0)
+(c:room)
+(princ (strcat "Selected: " (itoa (sslength (ssget '((0 . "LWPOLYLINE,TEXT")))))))
+(alert "Done.")
