@@ -111,4 +111,4 @@ void arcsMeetEntity(benchmark::State& state) {
 }
 BENCHMARK(arcsMeetEntity)->Name("arc_meets_arc/ours");
 
-} // namespace
+}  // namespace

@@ -12,7 +12,8 @@ target_compile_options(project_options INTERFACE
     -Wno-cast-function-type
     "$<$<CONFIG:Debug>:-fsanitize=undefined;-fsanitize-undefined-trap-on-error;-fno-sanitize=vptr>"
     # What the optimizer guesses about data flow is wrong inside this compiler's own std::wstring and std::variant.
-    -Wno-array-bounds -Wno-maybe-uninitialized -Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread)
+    # So is what it thinks of lists of stack objects that unlink themselves.
+    -Wno-dangling-pointer -Wno-array-bounds -Wno-maybe-uninitialized -Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread)
 target_compile_definitions(project_options INTERFACE "$<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>")
 
 set(CMAKE_CXX_EXTENSIONS OFF)

@@ -1,7 +1,7 @@
 #pragma once
 
-// Precompiled for every C++ source: the parts of the standard library that most of them use. A source still includes
-// what it needs itself.
+// Precompiled for every C++ source: the parts of the standard library that most of them use. A source still
+// includes what it needs itself.
 #include <algorithm>
 #include <array>
 #include <bit>

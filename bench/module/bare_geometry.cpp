@@ -1,5 +1,5 @@
-// A small module for benchmarks: the bare geometry that the add-in's functions stand on, called from C++ in a loop, and a
-// clock. Its times are the baselines of bench/module_calls.lsp, taken in the same process.
+// A small module for benchmarks: the bare geometry that the add-in's functions stand on, called from C++ in a
+// loop, and a clock. Its times are the baselines of bench/module_calls.lsp, taken in the same process.
 
 #include <windows.h>
 
@@ -29,7 +29,8 @@ int timed(Work work) {
     const int count = repetitions();
     volatile double sum = 0;
     const double start = secondsNow();
-    for (int i = 0; i < count; ++i) sum = sum + work();
+    for (int i = 0; i < count; ++i)
+        sum = sum + work();
     acedRetReal(secondsNow() - start);
     return RSRSLT;
 }
@@ -51,7 +52,8 @@ int bareLength() {
     });
 }
 
-// (bench-bare-intersection COUNT) -> seconds: two arcs built, intersected, and the distance of each point found.
+// (bench-bare-intersection COUNT) -> seconds: two arcs built, intersected, and the distance of each point
+// found.
 int bareIntersection() {
     return timed([] {
         const AcDbArc first(AcGePoint3d(0, 5, 0), 5.0, 4.71238898, 6.28318530);
@@ -85,13 +87,16 @@ void registerFunctions() {
 
 }  // namespace
 
-extern "C" __declspec(dllexport) std::uint32_t acrxGetApiVersion() { return kHostApiVersion; }
+extern "C" __declspec(dllexport) std::uint32_t acrxGetApiVersion() {
+    return kHostApiVersion;
+}
 
 extern "C" __declspec(dllexport) AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void* packet) {
     if (message == AcRx::kInitAppMsg) {
         acrxUnlockApplication(packet);
         acrxRegisterAppMDIAware(packet);
     }
-    if (message == AcRx::kLoadDwgMsg) registerFunctions();
+    if (message == AcRx::kLoadDwgMsg)
+        registerFunctions();
     return AcRx::kRetOK;
 }

@@ -6,7 +6,7 @@
 // The host's growable array. Indices run from 0 to length() - 1 and are not checked in release builds.
 template <class T>
 class AcArray {
-  public:
+public:
     AcArray() = default;
     int length() const { return static_cast<int>(items_.size()); }
     bool isEmpty() const { return items_.empty(); }
@@ -42,6 +42,6 @@ class AcArray {
     auto begin() const { return items_.begin(); }
     auto end() const { return items_.end(); }
 
-  private:
+private:
     std::vector<T> items_;
 };

@@ -5,7 +5,7 @@
 
 // Insertion of a block definition, with the attributes that belong to it.
 class DRAFTHOST_API AcDbBlockReference : public AcDbEntity {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbBlockReference)
     AcDbBlockReference();
     AcDbBlockReference(const AcGePoint3d& position, AcDbObjectId blockTableRecord);
@@ -30,13 +30,14 @@ class DRAFTHOST_API AcDbBlockReference : public AcDbEntity {
     Acad::ErrorStatus setLayer(AcDbObjectId layerId, bool doSubents, bool allowHiddenLayer) override;
     using AcDbEntity::setLayer;
 
-  protected:
+protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subErase(bool erasing) override;  // its attributes go with it
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
     Acad::ErrorStatus subExplode(AcDbEntityArray& parts) const override;
-    Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect type, AcGePoint3dArray& points,
-                                       std::int64_t thisMarker, std::int64_t otherMarker) const override;
+    Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect type,
+                                       AcGePoint3dArray& points, std::int64_t thisMarker,
+                                       std::int64_t otherMarker) const override;
     void subList() const override;
 };

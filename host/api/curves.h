@@ -4,10 +4,11 @@
 
 #include "host/api/entity.h"
 
-// Distances are measured along the curve from its start point. Parameters: a line's is the distance from its start, a
-// circle's and an arc's the angle, a polyline's the vertex index plus the fraction of the segment's length.
+// Distances are measured along the curve from its start point. Parameters: a line's is the distance from its
+// start, a circle's and an arc's the angle, a polyline's the vertex index plus the fraction of the segment's
+// length.
 class DRAFTHOST_API AcDbCurve : public AcDbEntity {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbCurve)
     virtual bool isClosed() const;
     virtual bool isPeriodic() const;
@@ -15,7 +16,8 @@ class DRAFTHOST_API AcDbCurve : public AcDbEntity {
     virtual Acad::ErrorStatus getEndParam(double& param) const;
     virtual Acad::ErrorStatus getStartPoint(AcGePoint3d& point) const;
     virtual Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const;
-    // eInvalidInput for a parameter or distance off the curve, or a point farther from it than the tolerance allows.
+    // eInvalidInput for a parameter or distance off the curve, or a point farther from it than the tolerance
+    // allows.
     virtual Acad::ErrorStatus getPointAtParam(double param, AcGePoint3d& point) const;
     virtual Acad::ErrorStatus getParamAtPoint(const AcGePoint3d& point, double& param) const;
     virtual Acad::ErrorStatus getDistAtParam(double param, double& distance) const;
@@ -33,12 +35,12 @@ class DRAFTHOST_API AcDbCurve : public AcDbEntity {
                                                 AcGePoint3d& result, bool extend = false) const;
     virtual Acad::ErrorStatus getArea(double& area) const;
 
-  protected:
+protected:
     explicit AcDbCurve(drafthost::ObjectImp* imp);
 };
 
 class DRAFTHOST_API AcDbLine : public AcDbCurve {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbLine)
     AcDbLine();
     AcDbLine(const AcGePoint3d& start, const AcGePoint3d& end);
@@ -61,13 +63,14 @@ class DRAFTHOST_API AcDbLine : public AcDbCurve {
     Acad::ErrorStatus getParamAtDist(double distance, double& param) const override;
     Acad::ErrorStatus getFirstDeriv(double param, AcGeVector3d& derivative) const override;
     using AcDbCurve::getFirstDeriv;
-    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& result, bool extend) const override;
-    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, const AcGeVector3d& direction, AcGePoint3d& result,
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& result,
                                         bool extend) const override;
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, const AcGeVector3d& direction,
+                                        AcGePoint3d& result, bool extend) const override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
@@ -75,7 +78,7 @@ class DRAFTHOST_API AcDbLine : public AcDbCurve {
 };
 
 class DRAFTHOST_API AcDbCircle : public AcDbCurve {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbCircle)
     AcDbCircle();
     AcDbCircle(const AcGePoint3d& center, const AcGeVector3d& normal, double radius);
@@ -96,14 +99,15 @@ class DRAFTHOST_API AcDbCircle : public AcDbCurve {
     Acad::ErrorStatus getParamAtDist(double distance, double& param) const override;
     Acad::ErrorStatus getFirstDeriv(double param, AcGeVector3d& derivative) const override;
     using AcDbCurve::getFirstDeriv;
-    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& result, bool extend) const override;
-    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, const AcGeVector3d& direction, AcGePoint3d& result,
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& result,
                                         bool extend) const override;
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, const AcGeVector3d& direction,
+                                        AcGePoint3d& result, bool extend) const override;
     Acad::ErrorStatus getArea(double& area) const override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
@@ -112,11 +116,12 @@ class DRAFTHOST_API AcDbCircle : public AcDbCurve {
 
 // Runs counter-clockwise about its normal from start angle to end angle. Equal angles: a full turn.
 class DRAFTHOST_API AcDbArc : public AcDbCurve {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbArc)
     AcDbArc();
     AcDbArc(const AcGePoint3d& center, double radius, double startAngle, double endAngle);
-    AcDbArc(const AcGePoint3d& center, const AcGeVector3d& normal, double radius, double startAngle, double endAngle);
+    AcDbArc(const AcGePoint3d& center, const AcGeVector3d& normal, double radius, double startAngle,
+            double endAngle);
     AcGePoint3d center() const;  // world coordinates
     double radius() const;
     double startAngle() const;  // in [0, 2 pi)
@@ -140,30 +145,31 @@ class DRAFTHOST_API AcDbArc : public AcDbCurve {
     Acad::ErrorStatus getParamAtDist(double distance, double& param) const override;
     Acad::ErrorStatus getFirstDeriv(double param, AcGeVector3d& derivative) const override;
     using AcDbCurve::getFirstDeriv;
-    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& result, bool extend) const override;
-    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, const AcGeVector3d& direction, AcGePoint3d& result,
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& result,
                                         bool extend) const override;
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, const AcGeVector3d& direction,
+                                        AcGePoint3d& result, bool extend) const override;
     Acad::ErrorStatus getArea(double& area) const override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
     void subList() const override;
 };
 
-// Lightweight polyline: vertices in one plane, straight and arc segments. A bulge is the tangent of a quarter of the
-// arc's included angle, positive counter-clockwise from this vertex to the next.
+// Lightweight polyline: vertices in one plane, straight and arc segments. A bulge is the tangent of a quarter
+// of the arc's included angle, positive counter-clockwise from this vertex to the next.
 class DRAFTHOST_API AcDbPolyline : public AcDbCurve {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbPolyline)
     AcDbPolyline();
     unsigned numVerts() const;
     // Index from 0 to numVerts(). point: in the polyline's plane.
-    Acad::ErrorStatus addVertexAt(unsigned index, const AcGePoint2d& point, double bulge = 0, double startWidth = 0,
-                                  double endWidth = 0);
+    Acad::ErrorStatus addVertexAt(unsigned index, const AcGePoint2d& point, double bulge = 0,
+                                  double startWidth = 0, double endWidth = 0);
     Acad::ErrorStatus removeVertexAt(unsigned index);
     Acad::ErrorStatus getPointAt(unsigned index, AcGePoint2d& point) const;
     Acad::ErrorStatus getPointAt(unsigned index, AcGePoint3d& point) const;  // world coordinates
@@ -185,14 +191,15 @@ class DRAFTHOST_API AcDbPolyline : public AcDbCurve {
     Acad::ErrorStatus getParamAtDist(double distance, double& param) const override;
     Acad::ErrorStatus getFirstDeriv(double param, AcGeVector3d& derivative) const override;
     using AcDbCurve::getFirstDeriv;
-    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& result, bool extend) const override;
-    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, const AcGeVector3d& direction, AcGePoint3d& result,
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& result,
                                         bool extend) const override;
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, const AcGeVector3d& direction,
+                                        AcGePoint3d& result, bool extend) const override;
     Acad::ErrorStatus getArea(double& area) const override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;

@@ -7,10 +7,11 @@
 class AcDbTransactionManager;
 
 class DRAFTHOST_API AcDbDatabase : public AcRxObject {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbDatabase)
-    // buildDefaultDrawing: with layer "0", standard linetypes and styles, model and paper space; otherwise empty, to be
-    // filled by reading a file. noDocument: a side database that belongs to no document and needs no document lock.
+    // buildDefaultDrawing: with layer "0", standard linetypes and styles, model and paper space; otherwise
+    // empty, to be filled by reading a file. noDocument: a side database that belongs to no document and
+    // needs no document lock.
     explicit AcDbDatabase(bool buildDefaultDrawing = true, bool noDocument = false);
     ~AcDbDatabase() override;  // objects still open are closed
 
@@ -54,23 +55,25 @@ class DRAFTHOST_API AcDbDatabase : public AcRxObject {
     Acad::ErrorStatus addAcDbObject(AcDbObjectId& id, AcDbObject* object);
     AcDbTransactionManager* transactionManager() const;
 
-    // Replaces the contents of a side database made empty. message: line number and reason of a failure; may be null.
+    // Replaces the contents of a side database made empty. message: line number and reason of a failure; may
+    // be null.
     Acad::ErrorStatus readDxfFile(const ACHAR* fileName, ACHAR** message = nullptr);
-    // Writes a temporary file beside the target and renames it, so that a failure leaves an existing file as it was.
+    // Writes a temporary file beside the target and renames it, so that a failure leaves an existing file as
+    // it was.
     Acad::ErrorStatus dxfOut(const ACHAR* fileName);
     const ACHAR* fileName() const;  // full path; empty for a new drawing
 
     struct Impl;
     Impl& impl() const { return *impl_; }  // opaque outside the host
 
-  private:
+private:
     Impl* impl_;  // owned
 };
 
-// Nested transactions of one database. Objects got from a transaction are closed by it; abort restores every object that
-// was changed, and removes every object that was added, since the matching start.
+// Nested transactions of one database. Objects got from a transaction are closed by it; abort restores every
+// object that was changed, and removes every object that was added, since the matching start.
 class DRAFTHOST_API AcDbTransactionManager {
-  public:
+public:
     virtual ~AcDbTransactionManager();
     virtual Acad::ErrorStatus startTransaction() = 0;
     virtual Acad::ErrorStatus endTransaction() = 0;    // keeps the changes; eNoActiveTransactions
@@ -81,11 +84,18 @@ class DRAFTHOST_API AcDbTransactionManager {
 };
 
 class DRAFTHOST_API AcDbHostApplicationServices {
-  public:
-    enum FindFileHint { kDefault = 0, kFontFile = 1, kShxFontFile = 2, kTrueTypeFontFile = 4, kEmbeddedImageFile = 5, kXRefDrawing = 6 };
+public:
+    enum FindFileHint {
+        kDefault = 0,
+        kFontFile = 1,
+        kShxFontFile = 2,
+        kTrueTypeFontFile = 4,
+        kEmbeddedImageFile = 5,
+        kXRefDrawing = 6
+    };
     virtual ~AcDbHostApplicationServices();
-    // Where the file is on the search path: the name itself when it is an existing path, the drawing's folder, the support
-    // path. eFileNotFound. database: whose folder to search, may be null.
+    // Where the file is on the search path: the name itself when it is an existing path, the drawing's
+    // folder, the support path. eFileNotFound. database: whose folder to search, may be null.
     virtual Acad::ErrorStatus findFile(ACHAR* pathOut, int bufferLength, const ACHAR* fileName,
                                        AcDbDatabase* database = nullptr, FindFileHint hint = kDefault) = 0;
     virtual AcDbDatabase* workingDatabase() const = 0;
@@ -98,15 +108,16 @@ DRAFTHOST_API Acad::ErrorStatus acdbGetObjectId(AcDbObjectId& id, const ads_name
 DRAFTHOST_API Acad::ErrorStatus acdbGetAdsName(ads_name& name, AcDbObjectId id);
 
 // Entity data as value lists of groups, on the working database. Results are AdsResult values.
-// application: list of RTSTR application names (wildcards) whose extended data are wanted; null: none. Caller frees.
+// application: list of RTSTR application names (wildcards) whose extended data are wanted; null: none. Caller
+// frees.
 DRAFTHOST_API resbuf* acdbEntGetX(const ads_name name, const resbuf* applications);
 DRAFTHOST_API resbuf* acdbEntGet(const ads_name name);
-DRAFTHOST_API int acdbEntMake(const resbuf* data);                          // into the current space or the block being made
-DRAFTHOST_API int acdbEntMakeX(const resbuf* data, ads_name result);        // result: the new entity or definition
-DRAFTHOST_API int acdbEntMod(const resbuf* data);                           // named by its group -1
-DRAFTHOST_API int acdbEntDel(const ads_name name);                          // erases, or restores an erased one
+DRAFTHOST_API int acdbEntMake(const resbuf* data);  // into the current space or the block being made
+DRAFTHOST_API int acdbEntMakeX(const resbuf* data, ads_name result);  // result: the new entity or definition
+DRAFTHOST_API int acdbEntMod(const resbuf* data);                     // named by its group -1
+DRAFTHOST_API int acdbEntDel(const ads_name name);                    // erases, or restores an erased one
 DRAFTHOST_API int acdbEntUpd(const ads_name name);
-DRAFTHOST_API int acdbEntNext(const ads_name after, ads_name result);       // after null or nil: the first
+DRAFTHOST_API int acdbEntNext(const ads_name after, ads_name result);  // after null or nil: the first
 DRAFTHOST_API int acdbEntLast(ads_name result);
 DRAFTHOST_API int acdbHandEnt(const ACHAR* handle, ads_name result);
 DRAFTHOST_API resbuf* acdbTblSearch(const ACHAR* table, const ACHAR* symbol, bool setNext);  // caller frees

@@ -12,20 +12,20 @@ struct AcDbStub;  // the host's record of one object; opaque
 
 // A handle: unique within a drawing, kept in files. 0 is null.
 class AcDbHandle {
-  public:
+public:
     constexpr AcDbHandle() = default;
     constexpr explicit AcDbHandle(std::uint64_t value) : value_(value) {}
     constexpr std::uint64_t value() const { return value_; }
     constexpr bool isNull() const { return value_ == 0; }
     constexpr auto operator<=>(const AcDbHandle&) const = default;
 
-  private:
+private:
     std::uint64_t value_ = 0;
 };
 
 // Identifies an object while its database lives; also after the object was erased.
 class DRAFTHOST_API AcDbObjectId {
-  public:
+public:
     static const AcDbObjectId kNull;
     constexpr AcDbObjectId() = default;
     constexpr explicit AcDbObjectId(AcDbStub* stub) : stub_(stub) {}
@@ -38,7 +38,7 @@ class DRAFTHOST_API AcDbObjectId {
     constexpr bool operator==(const AcDbObjectId&) const = default;
     bool operator<(const AcDbObjectId& other) const { return std::less<AcDbStub*>()(stub_, other.stub_); }
 
-  private:
+private:
     AcDbStub* stub_ = nullptr;
 };
 
@@ -52,5 +52,7 @@ enum FilerType { kFileFiler = 0, kCopyFiler = 1, kUndoFiler = 2, kPurgeFiler = 3
 
 template <>
 struct std::hash<AcDbObjectId> {
-    std::size_t operator()(const AcDbObjectId& id) const noexcept { return std::hash<AcDbStub*>()(id.stub()); }
+    std::size_t operator()(const AcDbObjectId& id) const noexcept {
+        return std::hash<AcDbStub*>()(id.stub());
+    }
 };

@@ -9,22 +9,23 @@ using AcDbVoidPtrArray = AcArray<void*>;
 using AcDbEntityArray = AcArray<AcDbEntity*>;
 
 class DRAFTHOST_API AcDbExtents {
-  public:
+public:
     AcDbExtents() = default;
-    AcDbExtents(const AcGePoint3d& minimum, const AcGePoint3d& maximum) : min_(minimum), max_(maximum), valid_(true) {}
+    AcDbExtents(const AcGePoint3d& minimum, const AcGePoint3d& maximum)
+        : min_(minimum), max_(maximum), valid_(true) {}
     bool isValid() const { return valid_; }  // false: empty
     const AcGePoint3d& minPoint() const { return min_; }
     const AcGePoint3d& maxPoint() const { return max_; }
     void addPoint(const AcGePoint3d& point);
     void addExt(const AcDbExtents& other);
 
-  private:
+private:
     AcGePoint3d min_, max_;
     bool valid_ = false;
 };
 
 class DRAFTHOST_API AcDbEntity : public AcDbObject {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbEntity)
 
     AcDbObjectId blockId() const { return ownerId(); }
@@ -33,8 +34,10 @@ class DRAFTHOST_API AcDbEntity : public AcDbObject {
     ACHAR* layer() const;
     // eKeyNotFound for a missing layer. Outside a database names are looked up in the working database.
     // doSubents: also for owned sub-entities (attributes). Frozen (hidden) layers need allowHiddenLayer.
-    virtual Acad::ErrorStatus setLayer(const ACHAR* name, bool doSubents = true, bool allowHiddenLayer = false);
-    virtual Acad::ErrorStatus setLayer(AcDbObjectId layerId, bool doSubents = true, bool allowHiddenLayer = false);
+    virtual Acad::ErrorStatus setLayer(const ACHAR* name, bool doSubents = true,
+                                       bool allowHiddenLayer = false);
+    virtual Acad::ErrorStatus setLayer(AcDbObjectId layerId, bool doSubents = true,
+                                       bool allowHiddenLayer = false);
     std::uint16_t colorIndex() const;  // 0 by block, 256 by layer
     Acad::ErrorStatus setColorIndex(std::uint16_t index, bool doSubents = true);
     // 0x00RRGGBB, or -1 when the colour is an index.
@@ -70,7 +73,7 @@ class DRAFTHOST_API AcDbEntity : public AcDbObject {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     AcDbEntity();  // for classes of modules
     explicit AcDbEntity(drafthost::ObjectImp* imp);
     virtual Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const;
@@ -79,8 +82,8 @@ class DRAFTHOST_API AcDbEntity : public AcDbObject {
     virtual Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect type,
                                                AcGePoint3dArray& points, std::int64_t thisMarker,
                                                std::int64_t otherMarker) const;
-    virtual Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect type, const AcGePlane& plane,
-                                               AcGePoint3dArray& points, std::int64_t thisMarker,
-                                               std::int64_t otherMarker) const;
+    virtual Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect type,
+                                               const AcGePlane& plane, AcGePoint3dArray& points,
+                                               std::int64_t thisMarker, std::int64_t otherMarker) const;
     virtual void subList() const;
 };

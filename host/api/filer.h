@@ -8,15 +8,15 @@
 
 // One object's groups, written or read in order. Reading functions return eEndOfFile behind the last group.
 class DRAFTHOST_API AcDbDxfFiler {
-  public:
+public:
     virtual ~AcDbDxfFiler();
     virtual Acad::ErrorStatus filerStatus() const = 0;
     virtual void resetFilerStatus() = 0;
     virtual AcDb::FilerType filerType() const = 0;
     virtual AcDbDatabase* database() const = 0;  // that the groups come from or go to; may be null
 
-    // Reading. The node receives the group code as restype and the value; the caller releases the text of a string
-    // node by releasing the node.
+    // Reading. The node receives the group code as restype and the value; the caller releases the text of a
+    // string node by releasing the node.
     virtual Acad::ErrorStatus readResBuf(resbuf* node) = 0;
     virtual void pushBackItem() = 0;  // the last group read is read again
     // When the next group is the subclass marker of that class, skips it and returns true.

@@ -20,7 +20,7 @@ struct DRAFTHOST_API AcGeContext {
 class AcGeMatrix3d;
 
 class DRAFTHOST_API AcGeVector2d {
-  public:
+public:
     double x = 0, y = 0;
     constexpr AcGeVector2d() = default;
     constexpr AcGeVector2d(double xx, double yy) : x(xx), y(yy) {}
@@ -34,7 +34,7 @@ class DRAFTHOST_API AcGeVector2d {
 };
 
 class DRAFTHOST_API AcGePoint2d {
-  public:
+public:
     double x = 0, y = 0;
     constexpr AcGePoint2d() = default;
     constexpr AcGePoint2d(double xx, double yy) : x(xx), y(yy) {}
@@ -45,7 +45,7 @@ class DRAFTHOST_API AcGePoint2d {
 };
 
 class DRAFTHOST_API AcGeVector3d {
-  public:
+public:
     double x = 0, y = 0, z = 0;
     static const AcGeVector3d kIdentity;  // the zero vector
     static const AcGeVector3d kXAxis;
@@ -75,7 +75,8 @@ class DRAFTHOST_API AcGeVector3d {
     double angleTo(const AcGeVector3d& v) const;
     // Angle to v in [0, 2 pi), counter-clockwise seen against the reference vector.
     double angleTo(const AcGeVector3d& v, const AcGeVector3d& reference) const;
-    // Some vector at right angles to this one, chosen by the arbitrary axis rule of entity coordinate systems.
+    // Some vector at right angles to this one, chosen by the arbitrary axis rule of entity coordinate
+    // systems.
     AcGeVector3d perpVector() const;
     bool isEqualTo(const AcGeVector3d& v, const AcGeTol& tol = AcGeContext::gTol) const;
     bool isParallelTo(const AcGeVector3d& v, const AcGeTol& tol = AcGeContext::gTol) const;
@@ -84,7 +85,7 @@ class DRAFTHOST_API AcGeVector3d {
 };
 
 class DRAFTHOST_API AcGePoint3d {
-  public:
+public:
     double x = 0, y = 0, z = 0;
     static const AcGePoint3d kOrigin;
     constexpr AcGePoint3d() = default;
@@ -102,7 +103,9 @@ class DRAFTHOST_API AcGePoint3d {
     double operator[](int i) const { return i == 0 ? x : i == 1 ? y : z; }
 };
 
-inline AcGeVector3d operator*(double s, const AcGeVector3d& v) { return v * s; }
+inline AcGeVector3d operator*(double s, const AcGeVector3d& v) {
+    return v * s;
+}
 
 using AcGePoint3dArray = AcArray<AcGePoint3d>;
 using AcGeVector3dArray = AcArray<AcGeVector3d>;
@@ -110,7 +113,7 @@ using AcGePoint2dArray = AcArray<AcGePoint2d>;
 
 // Affine transformation; column vectors, entry[row][column], the last row is 0 0 0 1.
 class DRAFTHOST_API AcGeMatrix3d {
-  public:
+public:
     double entry[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
     static const AcGeMatrix3d kIdentity;
     AcGeMatrix3d operator*(const AcGeMatrix3d& right) const;
@@ -131,22 +134,28 @@ class DRAFTHOST_API AcGeMatrix3d {
     static AcGeMatrix3d scaling(double factor, const AcGePoint3d& center = AcGePoint3d::kOrigin);
     // Reflection in the line through the point along the direction, within the plane of the direction and +Z.
     static AcGeMatrix3d mirroring(const AcGePoint3d& point, const AcGeVector3d& direction);
-    // From the entity coordinate system of the plane with this normal to world coordinates (arbitrary axis rule).
+    // From the entity coordinate system of the plane with this normal to world coordinates (arbitrary axis
+    // rule).
     static AcGeMatrix3d planeToWorld(const AcGeVector3d& normal);
     static AcGeMatrix3d worldToPlane(const AcGeVector3d& normal);
 };
 
-inline AcGePoint3d operator*(const AcGeMatrix3d& m, AcGePoint3d p) { return p.transformBy(m); }
-inline AcGeVector3d operator*(const AcGeMatrix3d& m, AcGeVector3d v) { return v.transformBy(m); }
+inline AcGePoint3d operator*(const AcGeMatrix3d& m, AcGePoint3d p) {
+    return p.transformBy(m);
+}
+inline AcGeVector3d operator*(const AcGeMatrix3d& m, AcGeVector3d v) {
+    return v.transformBy(m);
+}
 
 class DRAFTHOST_API AcGePlane {
-  public:
+public:
     AcGePlane() = default;
-    AcGePlane(const AcGePoint3d& origin, const AcGeVector3d& planeNormal) : origin_(origin), normal_(planeNormal) {}
+    AcGePlane(const AcGePoint3d& origin, const AcGeVector3d& planeNormal)
+        : origin_(origin), normal_(planeNormal) {}
     AcGePoint3d pointOnPlane() const { return origin_; }
     AcGeVector3d normal() const { return normal_; }
 
-  private:
+private:
     AcGePoint3d origin_;
     AcGeVector3d normal_{0, 0, 1};
 };

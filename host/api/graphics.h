@@ -10,23 +10,24 @@ class AcGiWorldDraw;
 
 // Something that can draw itself.
 class DRAFTHOST_API AcGiDrawable : public AcRxObject {
-  public:
+public:
     static AcRxClass* desc();
     AcRxClass* isA() const override;
     // Draws into the world draw. True: everything is drawn, no drawing by viewport is needed.
     bool worldDraw(AcGiWorldDraw* worldDraw);
 
-  protected:
+protected:
     virtual bool subWorldDraw(AcGiWorldDraw* worldDraw) = 0;
 };
 
 // Colours are indices: 0 by block, 1 to 255, 256 by layer. Null ids mean by layer.
 class DRAFTHOST_API AcGiSubEntityTraits {
-  public:
+public:
     virtual ~AcGiSubEntityTraits();
     virtual void setColor(std::uint16_t index) = 0;
     virtual std::uint16_t color() const = 0;
-    virtual void setBackgroundColor() = 0;  // paints with the colour behind the drawing until the next setColor
+    virtual void
+    setBackgroundColor() = 0;  // paints with the colour behind the drawing until the next setColor
     virtual void setTrueColor(std::uint32_t rgb) = 0;  // 0x00RRGGBB; overrides the index until setColor
     virtual void setLayer(AcDbObjectId layer) = 0;
     virtual AcDbObjectId layerId() const = 0;
@@ -42,29 +43,33 @@ class DRAFTHOST_API AcGiSubEntityTraits {
 
 // Look of a run of text.
 struct AcGiTextStyle {
-    const ACHAR* fontFile = L"";      // "arial.ttf", "txt.shx"; empty: the stroke font
-    const ACHAR* typeface = L"";      // TrueType family, wins over fontFile when not empty
-    double textSize = 1.0;            // cap height, drawing units
-    double xScale = 1.0;              // width factor
+    const ACHAR* fontFile = L"";  // "arial.ttf", "txt.shx"; empty: the stroke font
+    const ACHAR* typeface = L"";  // TrueType family, wins over fontFile when not empty
+    double textSize = 1.0;        // cap height, drawing units
+    double xScale = 1.0;          // width factor
     double obliqueAngle = 0.0;
-    double trackingPercent = 1.0;     // space between characters
-    bool bold = false, italic = false, backward = false, upsideDown = false, underlined = false, overlined = false;
+    double trackingPercent = 1.0;  // space between characters
+    bool bold = false, italic = false, backward = false, upsideDown = false, underlined = false,
+         overlined = false;
 };
 
 class DRAFTHOST_API AcGiWorldGeometry {
-  public:
+public:
     virtual ~AcGiWorldGeometry();
-    // Each returns true when drawing was cut off by the caller (never, here); coordinates are model coordinates.
-    virtual bool polyline(std::uint32_t count, const AcGePoint3d* points, const AcGeVector3d* normal = nullptr,
-                          std::int64_t marker = -1) = 0;
+    // Each returns true when drawing was cut off by the caller (never, here); coordinates are model
+    // coordinates.
+    virtual bool polyline(std::uint32_t count, const AcGePoint3d* points,
+                          const AcGeVector3d* normal = nullptr, std::int64_t marker = -1) = 0;
     virtual bool polygon(std::uint32_t count, const AcGePoint3d* points) = 0;
     // Filled area bounded by several closed contours, even-odd rule. counts has contourCount entries.
-    virtual bool polyPolygon(std::uint32_t contourCount, const std::uint32_t* counts, const AcGePoint3d* points) = 0;
+    virtual bool polyPolygon(std::uint32_t contourCount, const std::uint32_t* counts,
+                             const AcGePoint3d* points) = 0;
     virtual bool circle(const AcGePoint3d& center, double radius, const AcGeVector3d& normal) = 0;
     // Arc from the start direction through sweepAngle, counter-clockwise about normal.
     virtual bool circularArc(const AcGePoint3d& center, double radius, const AcGeVector3d& normal,
                              const AcGeVector3d& startDirection, double sweepAngle) = 0;
-    // One run of text without format codes; position is the left end of the base line. length -1: up to the null.
+    // One run of text without format codes; position is the left end of the base line. length -1: up to the
+    // null.
     virtual bool text(const AcGePoint3d& position, const AcGeVector3d& normal, const AcGeVector3d& direction,
                       const ACHAR* message, int length, const AcGiTextStyle& style) = 0;
     virtual bool draw(AcGiDrawable* drawable) = 0;
@@ -73,7 +78,7 @@ class DRAFTHOST_API AcGiWorldGeometry {
 };
 
 class DRAFTHOST_API AcGiWorldDraw {
-  public:
+public:
     virtual ~AcGiWorldDraw();
     virtual AcGiWorldGeometry& geometry() const = 0;
     virtual AcGiSubEntityTraits& subEntityTraits() const = 0;

@@ -13,15 +13,16 @@ struct ObjectImp;
 }
 
 // Opens an object. eWasErased for an erased one unless openErased; eWasOpenForWrite, eWasOpenForRead and
-// eWasOpenForNotify when the modes conflict; eOnLockedLayer for an entity on a locked layer that is opened for write;
-// eLockViolation when the document is not locked for writing. Any number may read at once; one may write, alone.
+// eWasOpenForNotify when the modes conflict; eOnLockedLayer for an entity on a locked layer that is opened
+// for write; eLockViolation when the document is not locked for writing. Any number may read at once; one may
+// write, alone.
 DRAFTHOST_API Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& object, AcDbObjectId id, AcDb::OpenMode mode,
                                                    bool openErased = false);
 template <class T>
 Acad::ErrorStatus acdbOpenObject(T*& object, AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false);
 
 class DRAFTHOST_API AcDbObject : public AcGiDrawable {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbObject)
     ~AcDbObject() override;
 
@@ -44,19 +45,22 @@ class DRAFTHOST_API AcDbObject : public AcGiDrawable {
     bool isWriteEnabled() const;  // true for objects outside a database
     bool isModified() const;      // since it was opened for write
     bool isTransactionResident() const;
-    // For classes of modules: true when members may be read; true when they may be changed, after their present values
-    // were saved for undo and for the running transactions. Call the second before every change.
+    // For classes of modules: true when members may be read; true when they may be changed, after their
+    // present values were saved for undo and for the running transactions. Call the second before every
+    // change.
     bool assertReadEnabled() const { return isReadEnabled(); }
     bool assertWriteEnabled();
 
-    // Extended data of one application, or of all (null or empty name), as a list that starts with group 1001;
-    // null when there is none. Caller frees.
+    // Extended data of one application, or of all (null or empty name), as a list that starts with group
+    // 1001; null when there is none. Caller frees.
     resbuf* xData(const ACHAR* application = nullptr) const;
     // Replaces the data of each application named in the list; a lone 1001 removes that application's data.
-    // eRegappIdNotFound when the application is not registered, eInvalidXdata, eXdataSizeExceeded (16383 bytes).
+    // eRegappIdNotFound when the application is not registered, eInvalidXdata, eXdataSizeExceeded (16383
+    // bytes).
     Acad::ErrorStatus setXData(const resbuf* data);
 
-    Acad::ErrorStatus dxfOut(AcDbDxfFiler* filer) const;  // with owner, reactors, dictionary and extended data
+    Acad::ErrorStatus
+    dxfOut(AcDbDxfFiler* filer) const;  // with owner, reactors, dictionary and extended data
     Acad::ErrorStatus dxfIn(AcDbDxfFiler* filer);
     virtual Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const;
     virtual Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer);
@@ -64,13 +68,13 @@ class DRAFTHOST_API AcDbObject : public AcGiDrawable {
     // A copy outside any database; caller owns. Null for classes that cannot be copied.
     AcDbObject* clone() const;
 
-  protected:
+protected:
     AcDbObject();                                    // for classes of modules
     explicit AcDbObject(drafthost::ObjectImp* imp);  // takes ownership
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     virtual Acad::ErrorStatus subErase(bool erasing);
 
-  private:
+private:
     friend struct drafthost::ObjectImp;
     drafthost::ObjectImp* imp_;  // owned
 };
@@ -80,9 +84,11 @@ Acad::ErrorStatus acdbOpenObject(T*& object, AcDbObjectId id, AcDb::OpenMode mod
     object = nullptr;
     AcDbObject* opened = nullptr;
     const Acad::ErrorStatus status = acdbOpenAcDbObject(opened, id, mode, openErased);
-    if (status != Acad::eOk) return status;
+    if (status != Acad::eOk)
+        return status;
     object = T::cast(opened);
-    if (object) return Acad::eOk;
+    if (object)
+        return Acad::eOk;
     opened->close();
     return Acad::eNotThatKindOfClass;
 }
@@ -90,7 +96,7 @@ Acad::ErrorStatus acdbOpenObject(T*& object, AcDbObjectId id, AcDb::OpenMode mod
 // Opens an object for the lifetime of the pointer and closes it.
 template <class T>
 class AcDbObjectPointer {
-  public:
+public:
     AcDbObjectPointer() = default;
     AcDbObjectPointer(AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false)
         : status_(acdbOpenObject(object_, id, mode, openErased)) {}
@@ -106,7 +112,8 @@ class AcDbObjectPointer {
         return status_ = acdbOpenObject(object_, id, mode, openErased);
     }
     Acad::ErrorStatus close() {
-        if (!object_) return Acad::eNullObjectPointer;
+        if (!object_)
+            return Acad::eNullObjectPointer;
         const Acad::ErrorStatus status = object_->close();
         object_ = nullptr;
         return status;
@@ -116,7 +123,7 @@ class AcDbObjectPointer {
     T& operator*() const { return *object_; }
     explicit operator bool() const { return object_ != nullptr; }
 
-  private:
+private:
     T* object_ = nullptr;
     Acad::ErrorStatus status_ = Acad::eNullObjectPointer;
 };

@@ -35,7 +35,8 @@ struct ads_binary {
 union ads_u_val {
     ads_real rreal;
     ads_real rpoint[3];
-    // A node of 16-bit type keeps the value sign-extended in the whole 32-bit slot, so that rlong reads it too.
+    // A node of 16-bit type keeps the value sign-extended in the whole 32-bit slot, so that rlong reads it
+    // too.
     short rint;
     std::int32_t rlong;
     ACHAR* rstring;  // owned by the node
@@ -56,9 +57,10 @@ DRAFTHOST_API resbuf* acutNewRb(int type);
 // Frees a whole list with its texts. Null is accepted. Returns RTNORM.
 DRAFTHOST_API int acutRelRb(resbuf* list);
 
-// Builds a list from pairs of type code and value, ended by RTNONE or 0 in the place of a type code. Values: double,
-// ads_point (copied), int (16-bit types), std::int32_t (RTLONG, 90 to 99, 1071), const ACHAR* (copied), ads_name (copied);
-// RTLB, RTLE, RTDOTE, RTNIL, RTT and RTVOID have no value. Null for an unknown type code. Caller frees with acutRelRb.
+// Builds a list from pairs of type code and value, ended by RTNONE or 0 in the place of a type code. Values:
+// double, ads_point (copied), int (16-bit types), std::int32_t (RTLONG, 90 to 99, 1071), const ACHAR*
+// (copied), ads_name (copied); RTLB, RTLE, RTDOTE, RTNIL, RTT and RTVOID have no value. Null for an unknown
+// type code. Caller frees with acutRelRb.
 DRAFTHOST_API resbuf* acutBuildList(int type, ...);
 
 // A new string with a copy of text, released by acutDelString.

@@ -1,7 +1,7 @@
 #pragma once
 
-// Symbol tables and their records: blocks, layers, linetypes, text styles, registered applications and the rest.
-// Names are compared without regard to case.
+// Symbol tables and their records: blocks, layers, linetypes, text styles, registered applications and the
+// rest. Names are compared without regard to case.
 
 #include <memory>
 
@@ -10,7 +10,7 @@
 class AcDbSymbolTableRecord;
 
 class DRAFTHOST_API AcDbSymbolTable : public AcDbObject {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbSymbolTable)
     bool has(const ACHAR* name) const;
     bool has(AcDbObjectId id) const;
@@ -23,12 +23,12 @@ class DRAFTHOST_API AcDbSymbolTable : public AcDbObject {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     explicit AcDbSymbolTable(drafthost::ObjectImp* imp);
 };
 
 class DRAFTHOST_API AcDbSymbolTableRecord : public AcDbObject {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbSymbolTableRecord)
     const ACHAR* name() const;  // valid until renamed
     // eInvalidKey for an empty name or one with characters that names cannot hold; eDuplicateKey when taken.
@@ -36,25 +36,25 @@ class DRAFTHOST_API AcDbSymbolTableRecord : public AcDbObject {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     explicit AcDbSymbolTableRecord(drafthost::ObjectImp* imp);
     // eCannotBeErased for records that every drawing has, current ones, and those still in use.
     Acad::ErrorStatus subErase(bool erasing) override;
 };
 
 // Declares a table and the typed getAt that opens a record of it.
-#define DRAFTHOST_SYMBOL_TABLE(TABLE, RECORD)                                                        \
-    class DRAFTHOST_API TABLE : public AcDbSymbolTable {                                             \
-      public:                                                                                        \
-        ACRX_DECLARE_MEMBERS(TABLE)                                                                  \
-        TABLE();                                                                                     \
-        using AcDbSymbolTable::getAt;                                                                \
-        Acad::ErrorStatus getAt(const ACHAR* name, RECORD*& record, AcDb::OpenMode mode,             \
-                                bool openErased = false) const {                                     \
-            AcDbObjectId id;                                                                         \
-            const Acad::ErrorStatus status = AcDbSymbolTable::getAt(name, id, openErased);           \
-            return status == Acad::eOk ? acdbOpenObject(record, id, mode, openErased) : status;      \
-        }                                                                                            \
+#define DRAFTHOST_SYMBOL_TABLE(TABLE, RECORD)                                                                \
+    class DRAFTHOST_API TABLE : public AcDbSymbolTable {                                                     \
+    public:                                                                                                  \
+        ACRX_DECLARE_MEMBERS(TABLE)                                                                          \
+        TABLE();                                                                                             \
+        using AcDbSymbolTable::getAt;                                                                        \
+        Acad::ErrorStatus getAt(const ACHAR* name, RECORD*& record, AcDb::OpenMode mode,                     \
+                                bool openErased = false) const {                                             \
+            AcDbObjectId id;                                                                                 \
+            const Acad::ErrorStatus status = AcDbSymbolTable::getAt(name, id, openErased);                   \
+            return status == Acad::eOk ? acdbOpenObject(record, id, mode, openErased) : status;              \
+        }                                                                                                    \
     }
 
 constexpr const ACHAR* ACDB_MODEL_SPACE = L"*Model_Space";
@@ -62,11 +62,11 @@ constexpr const ACHAR* ACDB_PAPER_SPACE = L"*Paper_Space";
 
 // A block definition, or the model or paper space.
 class DRAFTHOST_API AcDbBlockTableRecord : public AcDbSymbolTableRecord {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbBlockTableRecord)
     AcDbBlockTableRecord();
-    // Adds an entity outside a database to the end of the block and to its database; the caller closes it afterwards.
-    // Entities without a layer get the database's current one. eAlreadyInDb, eSelfReference.
+    // Adds an entity outside a database to the end of the block and to its database; the caller closes it
+    // afterwards. Entities without a layer get the database's current one. eAlreadyInDb, eSelfReference.
     Acad::ErrorStatus appendAcDbEntity(AcDbEntity* entity);
     Acad::ErrorStatus appendAcDbEntity(AcDbObjectId& id, AcDbEntity* entity);
     AcArray<AcDbObjectId> entityIds() const;  // in drawing order, erased ones left out
@@ -78,13 +78,13 @@ class DRAFTHOST_API AcDbBlockTableRecord : public AcDbSymbolTableRecord {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subErase(bool erasing) override;
 };
 
 class DRAFTHOST_API AcDbLayerTableRecord : public AcDbSymbolTableRecord {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbLayerTableRecord)
     AcDbLayerTableRecord();
     std::uint16_t colorIndex() const;
@@ -106,7 +106,7 @@ class DRAFTHOST_API AcDbLayerTableRecord : public AcDbSymbolTableRecord {
 };
 
 class DRAFTHOST_API AcDbLinetypeTableRecord : public AcDbSymbolTableRecord {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbLinetypeTableRecord)
     AcDbLinetypeTableRecord();
     const ACHAR* comments() const;
@@ -120,7 +120,7 @@ class DRAFTHOST_API AcDbLinetypeTableRecord : public AcDbSymbolTableRecord {
 };
 
 class DRAFTHOST_API AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbTextStyleTableRecord)
     AcDbTextStyleTableRecord();
     const ACHAR* fileName() const;  // "arial.ttf", "txt", "simplex.shx"
@@ -142,16 +142,17 @@ class DRAFTHOST_API AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
 };
 
 class DRAFTHOST_API AcDbRegAppTableRecord : public AcDbSymbolTableRecord {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbRegAppTableRecord)
     AcDbRegAppTableRecord();
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 };
 
-// Records of the dimension style, view, coordinate system and viewport tables: their groups are kept as they are.
+// Records of the dimension style, view, coordinate system and viewport tables: their groups are kept as they
+// are.
 class DRAFTHOST_API AcDbPlainTableRecord : public AcDbSymbolTableRecord {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbPlainTableRecord)
     // kind: DXF name of the record, "DIMSTYLE", "VIEW", "UCS" or "VPORT".
     explicit AcDbPlainTableRecord(const ACHAR* kind);
@@ -172,7 +173,7 @@ DRAFTHOST_SYMBOL_TABLE(AcDbViewportTable, AcDbPlainTableRecord);
 
 // Named object ids, in order of insertion.
 class DRAFTHOST_API AcDbDictionary : public AcDbObject {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbDictionary)
     AcDbDictionary();
     Acad::ErrorStatus getAt(const ACHAR* name, AcDbObjectId& id) const;  // eKeyNotFound
@@ -184,6 +185,6 @@ class DRAFTHOST_API AcDbDictionary : public AcDbObject {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     Acad::ErrorStatus subErase(bool erasing) override;
 };

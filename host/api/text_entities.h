@@ -4,9 +4,10 @@
 
 #include "host/api/entity.h"
 
-// Single-line text. Position and alignment point are in the text's plane coordinate system raised to world coordinates.
+// Single-line text. Position and alignment point are in the text's plane coordinate system raised to world
+// coordinates.
 class DRAFTHOST_API AcDbText : public AcDbEntity {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbText)
     AcDbText();
     AcDbText(const AcGePoint3d& position, const ACHAR* text, AcDbObjectId style = AcDbObjectId::kNull,
@@ -34,7 +35,7 @@ class DRAFTHOST_API AcDbText : public AcDbEntity {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     explicit AcDbText(drafthost::ObjectImp* imp);
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
@@ -43,7 +44,7 @@ class DRAFTHOST_API AcDbText : public AcDbEntity {
 };
 
 class DRAFTHOST_API AcDbAttributeDefinition : public AcDbText {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbAttributeDefinition)
     AcDbAttributeDefinition();
     const ACHAR* tag() const;
@@ -53,12 +54,12 @@ class DRAFTHOST_API AcDbAttributeDefinition : public AcDbText {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
 };
 
 class DRAFTHOST_API AcDbAttribute : public AcDbText {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbAttribute)
     AcDbAttribute();
     const ACHAR* tag() const;
@@ -67,18 +68,24 @@ class DRAFTHOST_API AcDbAttribute : public AcDbText {
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
 };
 
 // Multiline text with format codes, broken into lines at a width.
 class DRAFTHOST_API AcDbMText : public AcDbEntity {
-  public:
+public:
     ACRX_DECLARE_MEMBERS(AcDbMText)
     enum AttachmentPoint : int {
-        kTopLeft = 1, kTopCenter, kTopRight,
-        kMiddleLeft, kMiddleCenter, kMiddleRight,
-        kBottomLeft, kBottomCenter, kBottomRight
+        kTopLeft = 1,
+        kTopCenter,
+        kTopRight,
+        kMiddleLeft,
+        kMiddleCenter,
+        kMiddleRight,
+        kBottomLeft,
+        kBottomCenter,
+        kBottomRight
     };
     AcDbMText();
     // With format codes. contents(): caller releases with acutDelString.
@@ -98,7 +105,8 @@ class DRAFTHOST_API AcDbMText : public AcDbEntity {
     AcGeVector3d normal() const;
     Acad::ErrorStatus setNormal(const AcGeVector3d& normal);  // eInvalidInput for a vector of no length
     AcGeVector3d direction() const;
-    Acad::ErrorStatus setDirection(const AcGeVector3d& direction);  // eInvalidInput for no length or along the normal
+    Acad::ErrorStatus
+    setDirection(const AcGeVector3d& direction);  // eInvalidInput for no length or along the normal
     double rotation() const;
     Acad::ErrorStatus setRotation(double angle);
     double lineSpacingFactor() const;
@@ -112,16 +120,17 @@ class DRAFTHOST_API AcDbMText : public AcDbEntity {
     Acad::ErrorStatus setUseBackgroundColor(bool on);
 
     // Measures of the laid-out text, drawing units.
-    double actualWidth() const;   // widest line
+    double actualWidth() const;  // widest line
     // worldDraw may be null.
-    double actualHeight(AcGiWorldDraw* worldDraw = nullptr) const;  // top of the first line to bottom of the last
-    double ascent() const;        // of the first line, above its base line
-    double descent() const;       // of the last line, below its base line; positive
+    double
+    actualHeight(AcGiWorldDraw* worldDraw = nullptr) const;  // top of the first line to bottom of the last
+    double ascent() const;                                   // of the first line, above its base line
+    double descent() const;  // of the last line, below its base line; positive
 
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
-  protected:
+protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;

@@ -18,4 +18,4 @@ inline double angleFromFile(const AcDbDxfFiler* filer, double angle) {
     return holdsDegrees(filer) ? angle * (kPi / 180) : angle;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -40,7 +40,7 @@ double angleOf(const AcGeVector3d& direction, const PlaneAxes& axes) {
     return normalizeAngle(std::atan2(direction.dotProduct(axes.y), direction.dotProduct(axes.x)));
 }
 
-} // namespace
+}  // namespace
 
 AcDbArc::AcDbArc() : AcDbCurve(newImp<ArcState>()) {}
 

@@ -30,7 +30,8 @@ Acad::ErrorStatus writeAttribute(AcDbDxfFiler* filer, const AcDbText& text, cons
                                  std::span<const DxfField> fields) {
     const AttributeState& state = readState<AttributeState>(&text);
     const Acad::ErrorStatus status = writeTextGroups(filer, text, state, false);
-    if (status != Acad::eOk) return status;
+    if (status != Acad::eOk)
+        return status;
     writeSubclassMarker(filer, subclass);
     writeFields(filer, state, fields);
     filer->writeInt32(kLockGroup, state.lockPosition);
@@ -41,12 +42,15 @@ Acad::ErrorStatus writeAttribute(AcDbDxfFiler* filer, const AcDbText& text, cons
 // The second of two groups 280 is the lock; a single one is the version.
 void splitVersionAndLock(AcDbDxfFiler* filer, AttributeState& state) {
     auto* groups = dynamic_cast<GroupFiler*>(filer);
-    if (!groups) return;
+    if (!groups)
+        return;
     std::vector<std::int32_t> found;
     for (const DxfGroup& group : groups->groups()) {
-        if (group.code == kLockGroup) detail::readValue(group, found.emplace_back());
+        if (group.code == kLockGroup)
+            detail::readValue(group, found.emplace_back());
     }
-    if (found.size() < 2) return;
+    if (found.size() < 2)
+        return;
     state.version = found.front();
     state.lockPosition = found.back();
 }
@@ -54,7 +58,8 @@ void splitVersionAndLock(AcDbDxfFiler* filer, AttributeState& state) {
 Acad::ErrorStatus readAttribute(AcDbDxfFiler* filer, AcDbText& text, const ACHAR* subclass,
                                 std::span<const DxfField> fields) {
     auto* state = writeState<AttributeState>(&text);
-    if (!state) return Acad::eNotOpenForWrite;
+    if (!state)
+        return Acad::eNotOpenForWrite;
     AttributeState filed(*state);
     std::vector<DxfGroup> embedded = setAsideEmbedded(filer);
     if (const Acad::ErrorStatus status = readTextGroups(filer, filed, false); status != Acad::eOk)
@@ -69,23 +74,37 @@ Acad::ErrorStatus readAttribute(AcDbDxfFiler* filer, AcDbText& text, const ACHAR
 }
 
 Acad::ErrorStatus setTagOf(AcDbText* text, const ACHAR* tag) {
-    if (!tag || !*tag) return Acad::eInvalidInput;
+    if (!tag || !*tag)
+        return Acad::eInvalidInput;
     auto* state = writeState<AttributeState>(text);
-    if (!state) return Acad::eNotOpenForWrite;
+    if (!state)
+        return Acad::eNotOpenForWrite;
     state->tag = tag;
     return Acad::eOk;
 }
 
-const AttributeState& stateOf(const AcDbText* text) { return readState<AttributeState>(text); }
-bool hasFlag(const AttributeState& state, std::int32_t flag) { return (state.flags & flag) != 0; }
+const AttributeState& stateOf(const AcDbText* text) {
+    return readState<AttributeState>(text);
+}
+bool hasFlag(const AttributeState& state, std::int32_t flag) {
+    return (state.flags & flag) != 0;
+}
 
 }  // namespace
 
 AcDbAttributeDefinition::AcDbAttributeDefinition() : AcDbText(newImp<AttributeState>()) {}
-const ACHAR* AcDbAttributeDefinition::tag() const { return stateOf(this).tag.c_str(); }
-const ACHAR* AcDbAttributeDefinition::prompt() const { return stateOf(this).prompt.c_str(); }
-int AcDbAttributeDefinition::flags() const { return stateOf(this).flags; }
-Acad::ErrorStatus AcDbAttributeDefinition::setTag(const ACHAR* tag) { return setTagOf(this, tag); }
+const ACHAR* AcDbAttributeDefinition::tag() const {
+    return stateOf(this).tag.c_str();
+}
+const ACHAR* AcDbAttributeDefinition::prompt() const {
+    return stateOf(this).prompt.c_str();
+}
+int AcDbAttributeDefinition::flags() const {
+    return stateOf(this).flags;
+}
+Acad::ErrorStatus AcDbAttributeDefinition::setTag(const ACHAR* tag) {
+    return setTagOf(this, tag);
+}
 
 Acad::ErrorStatus AcDbAttributeDefinition::dxfOutFields(AcDbDxfFiler* filer) const {
     const Acad::ErrorStatus status = AcDbEntity::dxfOutFields(filer);
@@ -108,9 +127,15 @@ bool AcDbAttributeDefinition::subWorldDraw(AcGiWorldDraw* worldDraw) {
 }
 
 AcDbAttribute::AcDbAttribute() : AcDbText(newImp<AttributeState>()) {}
-const ACHAR* AcDbAttribute::tag() const { return stateOf(this).tag.c_str(); }
-int AcDbAttribute::flags() const { return stateOf(this).flags; }
-Acad::ErrorStatus AcDbAttribute::setTag(const ACHAR* tag) { return setTagOf(this, tag); }
+const ACHAR* AcDbAttribute::tag() const {
+    return stateOf(this).tag.c_str();
+}
+int AcDbAttribute::flags() const {
+    return stateOf(this).flags;
+}
+Acad::ErrorStatus AcDbAttribute::setTag(const ACHAR* tag) {
+    return setTagOf(this, tag);
+}
 
 Acad::ErrorStatus AcDbAttribute::dxfOutFields(AcDbDxfFiler* filer) const {
     const Acad::ErrorStatus status = AcDbEntity::dxfOutFields(filer);

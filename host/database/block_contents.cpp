@@ -40,7 +40,7 @@ AcDbObjectId addMarker(AcDbBlockTableRecord& block) {
     return id;
 }
 
-} // namespace
+}  // namespace
 
 bool showsBlock(AcDbObjectId block, AcDbObjectId other) {
     std::unordered_set<AcDbObjectId> seen{block};
@@ -114,4 +114,4 @@ void completeBlock(AcDbBlockTableRecord& block) {
         state.end = addMarker<AcDbBlockEnd>(block);
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -25,4 +25,4 @@ bool isReferenced(const AcDbDatabase& database, AcDbObjectId block);
 // The marking entities of a block's begin and end, made when missing.
 void completeBlock(AcDbBlockTableRecord& block);
 
-} // namespace drafthost
+}  // namespace drafthost

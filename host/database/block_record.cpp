@@ -33,7 +33,7 @@ void setErased(AcDbObjectId id, bool erasing) {
     id.stub()->erased = erasing;
 }
 
-} // namespace
+}  // namespace
 
 AcDbBlockTableRecord::AcDbBlockTableRecord() : AcDbSymbolTableRecord(newImp<BlockState>()) {}
 

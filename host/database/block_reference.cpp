@@ -119,7 +119,7 @@ constexpr DxfField kFields[] = {
 constexpr const wchar_t* kSubclass = L"AcDbBlockReference";
 constexpr const wchar_t* kArraySubclass = L"AcDbMInsertBlock";
 
-} // namespace
+}  // namespace
 
 AcDbBlockReference::AcDbBlockReference() : AcDbEntity(newImp<State>()) {}
 

@@ -146,7 +146,7 @@ bool areOrthogonal(const AcGeVector3d& a, const AcGeVector3d& b) {
     return std::abs(a.dotProduct(b)) < 1e-9;
 }
 
-} // namespace
+}  // namespace
 
 AcGeMatrix3d AcDbBlockReference::blockTransform() const {
     return cellTransform(stateOf(this), 0, 0);
@@ -221,7 +221,7 @@ Acad::ErrorStatus AcDbBlockReference::subTransformBy(const AcGeMatrix3d& matrix)
     }
     const AcGePoint3d place = matrix * position();
     double factorX = lengthX;
-    if (x.crossProduct(y).dotProduct(z) < 0) { // a reflection turns the first axis round
+    if (x.crossProduct(y).dotProduct(z) < 0) {  // a reflection turns the first axis round
         x = -x;
         factorX = -factorX;
     }

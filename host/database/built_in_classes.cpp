@@ -53,4 +53,4 @@ std::span<const ClassDescriptor> builtInClasses() {
     return kClasses;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

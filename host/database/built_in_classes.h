@@ -11,4 +11,4 @@ using ClassDescriptor = AcRxClass* (*)();
 // desc() of every class that the host itself brings.
 std::span<const ClassDescriptor> builtInClasses();
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -21,7 +21,7 @@ std::vector<DxfGroup> fields(const AcDbObject& object, AcDbDatabase* database) {
     return std::move(filer.groups());
 }
 
-} // namespace
+}  // namespace
 
 ChangeLog::Saved ChangeLog::snapshot(const AcDbStub& stub) {
     Saved saved;
@@ -91,7 +91,7 @@ ChangeLog ChangeLog::revert(AcDbDatabase& database, Removal removal) {
         if (saved.groups.empty())
             continue;
         GroupFiler filer(&database, std::move(saved.groups), AcDb::kUndoFiler);
-        const bool wasLoading = std::exchange(impl.loading, true); // the object need not be open
+        const bool wasLoading = std::exchange(impl.loading, true);  // the object need not be open
         stub->object->dxfInFields(&filer);
         impl.loading = wasLoading;
     }
@@ -104,4 +104,4 @@ ChangeLog ChangeLog::revert(AcDbDatabase& database, Removal removal) {
     return redo;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -19,7 +19,7 @@ namespace drafthost {
 // Ids that the database itself remembers, and its header.
 struct DatabaseSettings {
     HeaderVariables header;
-    AcDbObjectId layer, textStyle, linetype, dimensionStyle; // of new entities
+    AcDbObjectId layer, textStyle, linetype, dimensionStyle;  // of new entities
 };
 
 class ChangeLog {
@@ -42,16 +42,16 @@ public:
 
 private:
     struct Saved {
-        std::unique_ptr<ObjectState> state; // null for objects that were added
-        std::vector<DxfGroup> groups;       // contents of a class of a module, which has no state of ours
-        const AcRxClass* cls = nullptr;     // only compared: the object may have become a proxy meanwhile
+        std::unique_ptr<ObjectState> state;  // null for objects that were added
+        std::vector<DxfGroup> groups;        // contents of a class of a module, which has no state of ours
+        const AcRxClass* cls = nullptr;      // only compared: the object may have become a proxy meanwhile
         bool erased = false;
         bool added = false;
     };
     static Saved snapshot(const AcDbStub& stub);
     std::unordered_map<AcDbStub*, Saved> entries_;
-    std::vector<AcDbStub*> order_; // of the entries, oldest first
+    std::vector<AcDbStub*> order_;  // of the entries, oldest first
     std::optional<DatabaseSettings> settings_;
 };
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -18,7 +18,7 @@ ParameterSpan spanOf(const CircleState& circle) {
     return {0, kTwoPi, circle.radius, true};
 }
 
-} // namespace
+}  // namespace
 
 AcDbCircle::AcDbCircle() : AcDbCurve(newImp<CircleState>()) {}
 

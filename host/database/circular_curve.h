@@ -90,4 +90,4 @@ inline Acad::ErrorStatus checkCircle(CircleState& state, AcDbDxfFiler* filer) {
     return Acad::eOk;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

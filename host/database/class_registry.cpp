@@ -14,7 +14,7 @@ namespace {
 // modules' objects may ask for their class during shutdown.
 struct ClassRegistry {
     std::unordered_map<std::wstring, std::unique_ptr<AcRxClass>> byName;
-    std::unordered_map<std::wstring, AcRxClass*> byDxfName; // by folded name
+    std::unordered_map<std::wstring, AcRxClass*> byDxfName;  // by folded name
 };
 
 ClassRegistry& registry() {
@@ -58,7 +58,7 @@ std::unique_ptr<AcRxClass::Impl> describe(const ACHAR* name, AcRxClass* parent, 
 
 std::vector<const AcRxClass*> lineOf(const AcRxClass* cls);
 
-} // namespace
+}  // namespace
 
 AcRxClass* registerBuiltInClass(const ACHAR* name, AcRxClass* parent, const ACHAR* dxfName,
                                 AcRxConstructor constructor) {
@@ -82,8 +82,8 @@ std::vector<const AcRxClass*> lineOf(const AcRxClass* cls) {
     return line;
 }
 
-} // namespace
-} // namespace drafthost
+}  // namespace
+}  // namespace drafthost
 
 AcRxObject::~AcRxObject() = default;
 
@@ -149,7 +149,7 @@ AcRxClass* newAcRxClass(const ACHAR* name, const ACHAR* parentName, AcRxConstruc
 
 void deleteAcRxClass(AcRxClass* cls) {
     if (!cls || !cls->appName())
-        return; // the built-in classes stay
+        return;  // the built-in classes stay
     drafthost::replaceObjectsByProxies(cls);
     auto& classes = drafthost::registry();
     if (cls->dxfName())

@@ -14,12 +14,12 @@
 
 struct AcRxClass::Impl {
     std::wstring name;
-    std::wstring dxfName; // empty: not filed
-    std::wstring appName; // empty: built in
+    std::wstring dxfName;  // empty: not filed
+    std::wstring appName;  // empty: built in
     int proxyFlags = 0;
     AcRxClass* parent = nullptr;
     AcRxConstructor constructor = nullptr;
-    std::vector<const AcRxClass*> ancestors; // from the root to the class itself
+    std::vector<const AcRxClass*> ancestors;  // from the root to the class itself
 };
 
 class AcDbObject;
@@ -41,7 +41,7 @@ AcRxObject* constructObject() {
     return new T();
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 // Defines desc() and isA() of a built-in class, at global scope. DXFNAME: L"LINE", or nullptr for classes
 // that are not filed under a name of their own. CONSTRUCTOR: &drafthost::constructObject<CLASS>, or nullptr

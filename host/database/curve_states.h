@@ -12,35 +12,35 @@
 namespace drafthost {
 
 struct LineState : ClonedState<LineState, EntityState> {
-    AcGePoint3d start, end; // world coordinates
+    AcGePoint3d start, end;  // world coordinates
     double thickness = 0;
     AcGeVector3d normal{0, 0, 1};
 };
 
 struct CircleState : ClonedState<CircleState, EntityState> {
-    AcGePoint3d center; // entity coordinates
+    AcGePoint3d center;  // entity coordinates
     double radius = 0;
     double thickness = 0;
     AcGeVector3d normal{0, 0, 1};
 };
 
 struct ArcState : ClonedState<ArcState, CircleState> {
-    double startAngle = 0, endAngle = 0; // radians in [0, 2 pi)
+    double startAngle = 0, endAngle = 0;  // radians in [0, 2 pi)
 };
 
 struct PolylineVertex {
-    AcGePoint2d point; // entity coordinates
+    AcGePoint2d point;  // entity coordinates
     double bulge = 0;
     double startWidth = 0, endWidth = 0;
-    std::int32_t identifier = 0; // group 91, kept; 0: none
+    std::int32_t identifier = 0;  // group 91, kept; 0: none
 };
 
 struct PolylineState : ClonedState<PolylineState, EntityState> {
     static constexpr std::int32_t kClosed = 1, kContinuousLinetype = 128;
 
     std::vector<PolylineVertex> vertices;
-    std::int32_t flags = 0;   // group 70: kClosed, kContinuousLinetype
-    double constantWidth = 0; // of vertices that are added without widths
+    std::int32_t flags = 0;    // group 70: kClosed, kContinuousLinetype
+    double constantWidth = 0;  // of vertices that are added without widths
     double elevation = 0;
     double thickness = 0;
     AcGeVector3d normal{0, 0, 1};
@@ -57,7 +57,7 @@ struct PolylineState : ClonedState<PolylineState, EntityState> {
     }
     bool hasWidth() const;
     double length() const { return cumulativeLengths().back(); }
-    const std::vector<double>& cumulativeLengths() const; // at least one element
+    const std::vector<double>& cumulativeLengths() const;  // at least one element
 };
 
 inline double sweepOf(const ArcState& arc) {
@@ -83,4 +83,4 @@ inline double onCurveTolerance(const CurvePiece& piece) {
     return onCurveTolerance(piece.size(), piece.magnitude());
 }
 
-} // namespace drafthost
+}  // namespace drafthost

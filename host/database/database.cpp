@@ -35,7 +35,7 @@ Acad::ErrorStatus setCurrent(AcDbDatabase& database, AcDbObjectId DatabaseSettin
     return Acad::eOk;
 }
 
-} // namespace
+}  // namespace
 
 AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool noDocument) : impl_(new Impl(this, noDocument)) {
     if (!buildDefaultDrawing)

@@ -23,7 +23,7 @@ AcDbDatabase::Impl::~Impl() {
     for (AcDbStub* const stub : stubs) {
         closeAll(*stub);
         stub->database =
-            nullptr; // before objects go, so that their ids are stale for each other's destructors
+            nullptr;  // before objects go, so that their ids are stale for each other's destructors
     }
     for (AcDbStub* const stub : stubs)
         delete std::exchange(stub->object, nullptr);
@@ -144,16 +144,11 @@ AcDbObjectId findRecord(const AcDbDatabase* database, TableIndex table, std::wst
 
 AcDbObjectId findRecord(const AcDbDatabase* database, TableKind table, std::wstring_view name) {
     switch (table) {
-    case TableKind::Layer:
-        return findRecord(database, TableIndex::Layer, name);
-    case TableKind::Linetype:
-        return findRecord(database, TableIndex::Linetype, name);
-    case TableKind::TextStyle:
-        return findRecord(database, TableIndex::TextStyle, name);
-    case TableKind::Block:
-        return findRecord(database, TableIndex::Block, name);
-    case TableKind::None:
-        break;
+        case TableKind::Layer: return findRecord(database, TableIndex::Layer, name);
+        case TableKind::Linetype: return findRecord(database, TableIndex::Linetype, name);
+        case TableKind::TextStyle: return findRecord(database, TableIndex::TextStyle, name);
+        case TableKind::Block: return findRecord(database, TableIndex::Block, name);
+        case TableKind::None: break;
     }
     return {};
 }
@@ -164,4 +159,4 @@ const std::wstring& recordName(AcDbObjectId record) {
     return object ? readState<RecordState>(object).name : none;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

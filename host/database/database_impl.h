@@ -22,19 +22,19 @@
 #include "host/database/object_imp.h"
 
 struct AcDbStub {
-    std::int64_t name = 0;            // word 0 of the entity name
-    AcDbDatabase* database = nullptr; // null: its database was deleted
+    std::int64_t name = 0;             // word 0 of the entity name
+    AcDbDatabase* database = nullptr;  // null: its database was deleted
     AcDbObject* object =
-        nullptr; // owned; null: a handle that is only referred to, or an object removed for good
+        nullptr;  // owned; null: a handle that is only referred to, or an object removed for good
     AcDbHandle handle;
-    std::uint32_t place = 0;  // where its owner's list of entities has it, unless that was restored since
-    std::int32_t readers = 0; // openings for reading, a transaction's included
+    std::uint32_t place = 0;   // where its owner's list of entities has it, unless that was restored since
+    std::int32_t readers = 0;  // openings for reading, a transaction's included
     bool writer = false;
     bool notify = false;
-    bool transactionRead = false;  // one of the readers is a transaction
-    bool transactionWrite = false; // the writer is a transaction
+    bool transactionRead = false;   // one of the readers is a transaction
+    bool transactionWrite = false;  // the writer is a transaction
     bool erased = false;
-    bool modified = false; // changed since it was opened for write
+    bool modified = false;  // changed since it was opened for write
 };
 
 namespace drafthost {
@@ -48,7 +48,7 @@ using ClassGroups = std::vector<DxfGroup>;
 // A section that the host does not interpret, kept whole.
 struct RawSection {
     std::wstring name;
-    std::vector<DxfGroup> groups; // between the section's name and ENDSEC
+    std::vector<DxfGroup> groups;  // between the section's name and ENDSEC
 };
 
 class TransactionManager;
@@ -57,25 +57,25 @@ class TransactionManager;
 // allowed. Not asked for databases made with noDocument.
 extern bool (*writeAllowed)(const AcDbDatabase* database);
 
-} // namespace drafthost
+}  // namespace drafthost
 
 struct AcDbDatabase::Impl {
     Impl(AcDbDatabase* owner, bool sideDatabase);
-    ~Impl(); // deletes all objects
+    ~Impl();  // deletes all objects
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
 
     AcDbDatabase* const database;
     const bool noDocument;
-    std::wstring fileName; // full path; empty for a new drawing
+    std::wstring fileName;  // full path; empty for a new drawing
 
-    drafthost::DatabaseSettings settings; // change through changeSettings()
+    drafthost::DatabaseSettings settings;  // change through changeSettings()
     std::array<AcDbObjectId, drafthost::kTableCount> tables;
     AcDbObjectId namedObjects;
     AcDbObjectId modelSpace, paperSpace;
-    AcDbObjectId currentSpace; // block that new entities of LISP go to
+    AcDbObjectId currentSpace;  // block that new entities of LISP go to
     std::vector<drafthost::ClassGroups> classes;
-    std::vector<drafthost::RawSection> otherSections; // behind the objects section: thumbnails and the like
+    std::vector<drafthost::RawSection> otherSections;  // behind the objects section: thumbnails and the like
 
     // Objects in order of creation, with those erased and removed.
     std::vector<AcDbStub*> stubs;
@@ -90,7 +90,7 @@ struct AcDbDatabase::Impl {
     // Logs that are told of every change: the innermost transaction's and the undo step's. Not owned.
     std::vector<drafthost::ChangeLog*> logs;
     std::unique_ptr<drafthost::TransactionManager> transactions;
-    std::vector<AcDbObject*> removedWhileOpen; // owned
+    std::vector<AcDbObject*> removedWhileOpen;  // owned
 
     AcDbObjectId& table(drafthost::TableIndex index) { return tables[static_cast<std::size_t>(index)]; }
     AcDbObjectId table(drafthost::TableIndex index) const { return tables[static_cast<std::size_t>(index)]; }
@@ -142,4 +142,4 @@ const std::wstring& recordName(AcDbObjectId record);
 std::vector<DxfGroup> headerVariable(const AcDbDatabase& database, std::wstring_view name);
 bool setHeaderVariable(AcDbDatabase& database, std::wstring_view name, std::vector<DxfGroup> groups);
 
-} // namespace drafthost
+}  // namespace drafthost

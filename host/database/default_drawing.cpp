@@ -16,32 +16,30 @@ namespace {
 DxfValue parseValue(short code, const std::wstring& text) {
     std::wistringstream numbers(text);
     switch (dxfKind(code)) {
-    case DxfKind::Point: {
-        AcGePoint3d p;
-        numbers >> p.x >> p.y;
-        if (numbers >> p.z)
-            return p;
-        return AcGePoint2d(p.x, p.y);
-    }
-    case DxfKind::Real: {
-        double value = 0;
-        numbers >> value;
-        return value;
-    }
-    case DxfKind::Int16:
-    case DxfKind::Int32:
-    case DxfKind::Int64:
-    case DxfKind::Bool: {
-        std::int64_t value = 0;
-        numbers >> value;
-        return value;
-    }
-    case DxfKind::Handle:
-    case DxfKind::Reference:
-        return ObjectReference{parseHandle(std::wstring_view(text)), {}};
-    case DxfKind::Text:
-    case DxfKind::Binary:
-        break;
+        case DxfKind::Point: {
+            AcGePoint3d p;
+            numbers >> p.x >> p.y;
+            if (numbers >> p.z)
+                return p;
+            return AcGePoint2d(p.x, p.y);
+        }
+        case DxfKind::Real: {
+            double value = 0;
+            numbers >> value;
+            return value;
+        }
+        case DxfKind::Int16:
+        case DxfKind::Int32:
+        case DxfKind::Int64:
+        case DxfKind::Bool: {
+            std::int64_t value = 0;
+            numbers >> value;
+            return value;
+        }
+        case DxfKind::Handle:
+        case DxfKind::Reference: return ObjectReference{parseHandle(std::wstring_view(text)), {}};
+        case DxfKind::Text:
+        case DxfKind::Binary: break;
     }
     return text;
 }
@@ -104,10 +102,10 @@ private:
     struct Part {
         explicit Part(std::vector<DxfGroup> content) : groups(std::move(content)) {}
         std::vector<DxfGroup> groups;
-        AcDbHandle handle; // in the template
+        AcDbHandle handle;  // in the template
         bool exists = false;
         AcDbObjectId id;
-        std::wstring parentEntry; // name to enter it under in a dictionary that exists; empty: none
+        std::wstring parentEntry;  // name to enter it under in a dictionary that exists; empty: none
         AcDbObjectId existingParent;
     };
 
@@ -253,7 +251,7 @@ const NamedSetting* findNamedSetting(std::wstring_view name) {
     return nullptr;
 }
 
-} // namespace
+}  // namespace
 
 std::vector<std::wstring> addMissingParts(AcDbDatabase& database) {
     const LoadScope scope(database);
@@ -325,4 +323,4 @@ bool setHeaderVariable(AcDbDatabase& database, std::wstring_view name, std::vect
     return true;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -20,4 +20,4 @@ void settleIds(AcDbDatabase& database);
 // The classes section of a new drawing.
 std::vector<ClassGroups> defaultClasses();
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -7,7 +7,7 @@ namespace drafthost {
 
 extern const wchar_t* const kDefaultHeader;
 extern const wchar_t* const kDefaultClasses;
-extern const wchar_t* const kDefaultTables;  // tables and records
-extern const wchar_t* const kDefaultObjects; // dictionaries first, owners before what they own
+extern const wchar_t* const kDefaultTables;   // tables and records
+extern const wchar_t* const kDefaultObjects;  // dictionaries first, owners before what they own
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -46,7 +46,7 @@ std::vector<const Entry*> liveEntries(const AcDbDictionary* dictionary) {
     return live;
 }
 
-} // namespace
+}  // namespace
 
 AcDbDictionary::AcDbDictionary() : AcDbObject(newImp<DictionaryState>()) {}
 

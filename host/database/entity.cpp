@@ -136,7 +136,7 @@ bool hasMovingData(const std::vector<DxfGroup>& data) {
     return false;
 }
 
-} // namespace
+}  // namespace
 
 void AcDbExtents::addPoint(const AcGePoint3d& point) {
     if (!valid_) {

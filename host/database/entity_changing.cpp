@@ -131,7 +131,7 @@ bool isMainEntity(const AcDbObject& object) {
     return AcDbEntity::cast(&object) && !marker && peek<AcDbBlockTableRecord>(object.ownerId());
 }
 
-} // namespace
+}  // namespace
 
 int acdbEntMod(const resbuf* data) {
     const Groups given = groupsOfList(data);

@@ -37,7 +37,7 @@ void addLinks(const AcDbObject& object, Groups& groups) {
 // A subclass marker with the groups behind it; the first section of a list has no marker.
 struct Section {
     std::wstring marker;
-    int occurrence = 0; // of the marker in the list: some classes have one twice
+    int occurrence = 0;  // of the marker in the list: some classes have one twice
     Groups groups;
 };
 
@@ -127,7 +127,7 @@ Groups joined(const std::vector<Section>& sections) {
     return groups;
 }
 
-} // namespace
+}  // namespace
 
 EntityProblem& lastEntityProblem() {
     static EntityProblem problem;
@@ -141,20 +141,15 @@ int entityError(int number, std::wstring text) {
 
 int entityError(Acad::ErrorStatus status) {
     switch (status) {
-    case Acad::eOnLockedLayer:
-        return entityError(kErrnoOnLockedLayer, L"the layer is locked");
-    case Acad::eWasErased:
-    case Acad::ePermanentlyErased:
-        return entityError(kErrnoDeletedEntity, L"the entity was erased");
-    case Acad::eInvalidAdsName:
-    case Acad::eNullObjectId:
-        return entityError(kErrnoInvalidEntity, L"no such entity");
-    case Acad::eWasOpenForRead:
-    case Acad::eWasOpenForWrite:
-    case Acad::eWasOpenForNotify:
-        return entityError(kErrnoOpenConflict, L"the entity is open already");
-    default:
-        return entityError(kErrnoBadList, acadErrorStatusText(status));
+        case Acad::eOnLockedLayer: return entityError(kErrnoOnLockedLayer, L"the layer is locked");
+        case Acad::eWasErased:
+        case Acad::ePermanentlyErased: return entityError(kErrnoDeletedEntity, L"the entity was erased");
+        case Acad::eInvalidAdsName:
+        case Acad::eNullObjectId: return entityError(kErrnoInvalidEntity, L"no such entity");
+        case Acad::eWasOpenForRead:
+        case Acad::eWasOpenForWrite:
+        case Acad::eWasOpenForNotify: return entityError(kErrnoOpenConflict, L"the entity is open already");
+        default: return entityError(kErrnoBadList, acadErrorStatusText(status));
     }
 }
 
@@ -165,7 +160,7 @@ Groups entityGroups(AcDbObjectId id) {
     GroupFiler filer(object->database(), AcDb::kBagFiler);
     object->dxfOut(&filer);
     Groups all = std::move(filer.groups());
-    Groups links; // reactors and the like, which stand between the handle and the first subclass
+    Groups links;  // reactors and the like, which stand between the handle and the first subclass
     Groups groups{{-1, ObjectReference{id.handle(), id}}};
     const DxfGroup* handle = nullptr;
     std::size_t i = 0;
@@ -292,7 +287,7 @@ AcDbDatabase* workingDatabase() {
     return services ? services->workingDatabase() : nullptr;
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 using namespace drafthost;
 

@@ -21,10 +21,10 @@ EntityProblem& lastEntityProblem();
 enum EntityErrno : int {
     kErrnoNone = 0,
     kErrnoInvalidTable = 2,
-    kErrnoInvalidEntity = 3, // name or selection set does not exist
+    kErrnoInvalidEntity = 3,  // name or selection set does not exist
     kErrnoDeletedEntity = 5,
     kErrnoOnLockedLayer = 33,
-    kErrnoBadList = 46, // entity data that cannot be used
+    kErrnoBadList = 46,  // entity data that cannot be used
     kErrnoOpenConflict = 63,
 };
 
@@ -62,4 +62,4 @@ void forgetTableSteps(const AcDbDatabase* database);
 // The working database; null when there is none.
 AcDbDatabase* workingDatabase();
 
-} // namespace drafthost
+}  // namespace drafthost

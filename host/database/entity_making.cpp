@@ -28,7 +28,7 @@ using EntityPointer = std::unique_ptr<AcDbEntity>;
 struct MadeEntity {
     EntityPointer main;
     std::vector<EntityPointer> parts;
-    EntityPointer end; // null: no sequence
+    EntityPointer end;  // null: no sequence
     bool inPaperSpace = false;
 };
 
@@ -73,9 +73,9 @@ int badList(std::wstring text) {
 struct Request {
     AcDbDatabase& database;
     std::wstring type;
-    Groups content; // from group 0 on
+    Groups content;  // from group 0 on
     Groups xdata;
-    AcDbObjectId made; // result
+    AcDbObjectId made;  // result
 };
 
 bool flagged(const Groups& groups, short code) {
@@ -370,7 +370,7 @@ int makeFromList(const resbuf* data, bool ownerless, AcDbObjectId& made) {
     AcDbDatabase* const database = workingDatabase();
     if (!database)
         return entityError(Acad::eNoDatabase);
-    if (!data) { // gives up whatever was begun
+    if (!data) {  // gives up whatever was begun
         makingIn(database).drop();
         return badList(L"no entity data");
     }
@@ -389,14 +389,14 @@ int makeFromList(const resbuf* data, bool ownerless, AcDbObjectId& made) {
     return result;
 }
 
-} // namespace
+}  // namespace
 
 void forgetMaking(const AcDbDatabase* database) {
     if (currentMaking().database == database)
         makingIn(nullptr);
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 int acdbEntMake(const resbuf* data) {
     AcDbObjectId made;

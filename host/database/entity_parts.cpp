@@ -94,4 +94,4 @@ void adoptProperties(EntityState& state, AcDbDatabase& database) {
     state.linetype = own(state.linetype, TableIndex::Linetype, AcDbObjectId());
 }
 
-} // namespace drafthost
+}  // namespace drafthost

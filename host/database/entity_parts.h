@@ -32,4 +32,4 @@ void eraseSubEntities(const AcDbEntity& entity, bool erasing);
 // records in the place of those of another drawing.
 void adoptProperties(EntityState& state, AcDbDatabase& database);
 
-} // namespace drafthost
+}  // namespace drafthost

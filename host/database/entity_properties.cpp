@@ -38,7 +38,7 @@ Acad::ErrorStatus checkRecord(const AcDbEntity& entity, AcDbObjectId id) {
     return entity.database() && entity.database() != id.database() ? Acad::eWrongDatabase : Acad::eOk;
 }
 
-} // namespace
+}  // namespace
 
 AcDbObjectId AcDbEntity::layerId() const {
     return readState<EntityState>(this).layer;

@@ -47,7 +47,7 @@ constexpr EntityRecipe kRecipes[] = {
     {L"VERTEX", L"AcDbVertex", kPoint, false},
 };
 
-} // namespace
+}  // namespace
 
 const EntityRecipe* findRecipe(const std::wstring& type) {
     const auto* const found = std::ranges::find_if(
@@ -63,4 +63,4 @@ short missingGroup(const EntityRecipe& recipe, const std::vector<DxfGroup>& grou
     return 0;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -15,8 +15,8 @@ struct EntityRecipe {
     // Subclass that the entity's own groups belong to, for entities whose class is not known here; null for
     // known ones.
     const wchar_t* subclass;
-    std::span<const short> required; // codes without which there is no such entity
-    bool isSequence;                 // vertices follow, up to SEQEND
+    std::span<const short> required;  // codes without which there is no such entity
+    bool isSequence;                  // vertices follow, up to SEQEND
 };
 
 // Null for types that cannot be made.
@@ -25,4 +25,4 @@ const EntityRecipe* findRecipe(const std::wstring& type);
 // The first required code that the groups lack; 0 when nothing is missing.
 short missingGroup(const EntityRecipe& recipe, const std::vector<DxfGroup>& groups);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -92,13 +92,13 @@ AcDbObjectId nextOf(AcDbObjectId id) {
     return part.isNull() ? nextMain(id) : part;
 }
 
-} // namespace
+}  // namespace
 
 int acdbEntNext(const ads_name after, ads_name result) {
     if (after && !ads_name_nil(after)) {
         AcDbObjectId id;
         ads_name from;
-        ads_name_set(after, from); // result may be the same variable
+        ads_name_set(after, from);  // result may be the same variable
         if (const auto status = acdbGetObjectId(id, from); status != Acad::eOk) {
             ads_name_clear(result);
             return entityError(status);

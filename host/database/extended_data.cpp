@@ -95,7 +95,7 @@ resbuf* toList(const std::vector<DxfGroup>& groups) {
     return first;
 }
 
-} // namespace
+}  // namespace
 
 std::size_t extendedDataSize(Groups groups) {
     std::size_t size = 0;
@@ -142,7 +142,7 @@ std::vector<DxfGroup> selectExtendedData(Groups data, std::wstring_view patterns
     return selected;
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 using namespace drafthost;
 

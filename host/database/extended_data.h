@@ -11,7 +11,7 @@ class AcDbDatabase;
 
 namespace drafthost {
 
-constexpr std::size_t kMaxExtendedData = 16383; // bytes for one object
+constexpr std::size_t kMaxExtendedData = 16383;  // bytes for one object
 
 // Bytes that the groups count for: two for the code, and the value (a text: two for its length and two a
 // character).
@@ -28,4 +28,4 @@ void mergeExtendedData(std::vector<DxfGroup>& data, std::span<const DxfGroup> ch
 // The runs of applications whose name matches the patterns ("*" for all).
 std::vector<DxfGroup> selectExtendedData(std::span<const DxfGroup> data, std::wstring_view patterns);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -119,4 +119,4 @@ Acad::ErrorStatus GroupFiler::writeObjectId(int code, AcDbObjectId id) {
     return Acad::eOk;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -60,4 +60,4 @@ private:
     std::wstring problem_;
 };
 
-} // namespace drafthost
+}  // namespace drafthost

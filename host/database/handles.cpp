@@ -34,4 +34,4 @@ AcDbHandle parseHandle(std::wstring_view text) {
     return AcDbHandle(value);
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -18,4 +18,4 @@ inline AcDbHandle parseHandle(const wchar_t* text) {
     return text ? parseHandle(std::wstring_view(text)) : AcDbHandle();
 }
 
-} // namespace drafthost
+}  // namespace drafthost

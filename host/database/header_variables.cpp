@@ -10,7 +10,7 @@ const T* firstValue(const HeaderVariables::Entry* entry) {
     return entry && !entry->groups.empty() ? std::get_if<T>(&entry->groups.front().value) : nullptr;
 }
 
-} // namespace
+}  // namespace
 
 const HeaderVariables::Entry* HeaderVariables::find(std::wstring_view name) const {
     const auto found = index_.find(foldCase(name));
@@ -83,4 +83,4 @@ void HeaderVariables::setPoint(std::wstring_view name, const AcGePoint3d& value)
         set(name, {{code, value}});
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -14,7 +14,7 @@ namespace drafthost {
 class HeaderVariables {
 public:
     struct Entry {
-        std::wstring name; // with the dollar sign: "$LTSCALE"
+        std::wstring name;  // with the dollar sign: "$LTSCALE"
         std::vector<DxfGroup> groups;
     };
 
@@ -28,7 +28,7 @@ public:
     // First value of the variable, or the fallback when it is missing or of another kind.
     double real(std::wstring_view name, double fallback) const;
     std::int32_t integer(std::wstring_view name, std::int32_t fallback) const;
-    std::wstring text(std::wstring_view name) const; // empty when missing
+    std::wstring text(std::wstring_view name) const;  // empty when missing
     AcGePoint3d point(std::wstring_view name, const AcGePoint3d& fallback) const;
     // Keep the group code of an existing variable; a new one gets the usual code of its kind (40, 70, 1, 10).
     void setReal(std::wstring_view name, double value);
@@ -39,11 +39,11 @@ public:
 private:
     short codeOf(std::wstring_view name, short fallback) const;
     std::vector<Entry> entries_;
-    std::unordered_map<std::wstring, std::size_t> index_; // by upper-case name
+    std::unordered_map<std::wstring, std::size_t> index_;  // by upper-case name
 };
 
 // Variables of a new drawing (metric, decimal), complete enough for a file of 2000 format. Handles and the
 // names that depend on tables ($CLAYER, $HANDSEED and so on) are set when a file is written.
 HeaderVariables defaultHeaderVariables();
 
-} // namespace drafthost
+}  // namespace drafthost

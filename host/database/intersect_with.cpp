@@ -256,14 +256,14 @@ Acad::ErrorStatus intersectEntities(const AcDbEntity* entity, const AcDbEntity* 
     return Acad::eOk;
 }
 
-} // namespace
+}  // namespace
 
 bool intersectionCurves(const AcDbEntity* entity, std::vector<CurvePiece>& pieces) {
     OpenBlocks open;
     return appendPieces(entity, pieces, open);
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 using namespace drafthost;
 

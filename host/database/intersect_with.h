@@ -15,4 +15,4 @@ namespace drafthost {
 // intersect.
 bool intersectionCurves(const AcDbEntity* entity, std::vector<CurvePiece>& pieces);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -64,7 +64,7 @@ Acad::ErrorStatus setFlag(AcDbLayerTableRecord* record, std::int32_t flag, bool 
     return Acad::eOk;
 }
 
-} // namespace
+}  // namespace
 
 AcDbLayerTableRecord::AcDbLayerTableRecord() : AcDbSymbolTableRecord(newImp<LayerState>()) {}
 

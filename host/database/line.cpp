@@ -37,7 +37,7 @@ Acad::ErrorStatus setPoint(AcDbLine* line, AcGePoint3d LineState::*member, const
     return Acad::eOk;
 }
 
-} // namespace
+}  // namespace
 
 AcDbLine::AcDbLine() : AcDbCurve(newImp<LineState>()) {}
 

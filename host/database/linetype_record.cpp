@@ -67,7 +67,7 @@ bool takeElement(ObjectState& state, const DxfGroup& group, AcDbDatabase*) {
     return true;
 }
 
-} // namespace
+}  // namespace
 
 AcDbLinetypeTableRecord::AcDbLinetypeTableRecord() : AcDbSymbolTableRecord(newImp<LinetypeState>()) {}
 

@@ -151,7 +151,7 @@ void reportCircles(const AcDbDatabase& database, std::vector<std::wstring>& find
     }
 }
 
-} // namespace
+}  // namespace
 
 AcDbHandle handleInGroups(const Groups& groups) {
     const short code = textIn(groups, 0) == L"DIMSTYLE" ? 105 : 5;
@@ -319,4 +319,4 @@ std::vector<DxfGroup> fileGroups(const AcDbObject& object) {
     return groups;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -70,4 +70,4 @@ AcDbHandle handleInGroups(const std::vector<DxfGroup>& groups);
 // attributes and sequence ends are objects of their own: see BlockState and BlockReferenceState.
 std::vector<DxfGroup> fileGroups(const AcDbObject& object);
 
-} // namespace drafthost
+}  // namespace drafthost

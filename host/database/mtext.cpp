@@ -16,13 +16,17 @@ namespace {
 constexpr double kSmallestSpacing = 0.25, kLargestSpacing = 4;
 constexpr double kSmallestBackground = 1, kLargestBackground = 5;
 
-const MTextState& stateOf(const AcDbMText* text) { return readState<MTextState>(text); }
+const MTextState& stateOf(const AcDbMText* text) {
+    return readState<MTextState>(text);
+}
 
 template <class Change>
 Acad::ErrorStatus changeText(AcDbMText* text, bool valid, Change change) {
-    if (!valid) return Acad::eInvalidInput;
+    if (!valid)
+        return Acad::eInvalidInput;
     auto* state = writeState<MTextState>(text);
-    if (!state) return Acad::eNotOpenForWrite;
+    if (!state)
+        return Acad::eNotOpenForWrite;
     change(*state);
     dropEmbedded(*state);
     return Acad::eOk;
@@ -38,7 +42,8 @@ bool hasNoLength(const AcGeVector3d& vector) {
 std::optional<AcGeVector3d> inPlane(const AcGeVector3d& direction, const AcGeVector3d& normal) {
     const AcGeVector3d unit = direction / direction.length();
     const AcGeVector3d flat = unit - normal * unit.dotProduct(normal);
-    if (flat.length() <= 1e-9) return std::nullopt;
+    if (flat.length() <= 1e-9)
+        return std::nullopt;
     return flat / flat.length();
 }
 
@@ -49,7 +54,8 @@ bool isBackgroundOn(const MTextState& state) {
 void setBackground(MTextState& state, bool on) {
     constexpr std::int32_t kBoth = MTextState::kFillColor | MTextState::kFillWindow;
     state.backgroundFlags &= ~kBoth;
-    if (on) state.backgroundFlags |= state.useBackgroundColor ? kBoth : MTextState::kFillColor;
+    if (on)
+        state.backgroundFlags |= state.useBackgroundColor ? kBoth : MTextState::kFillColor;
 }
 
 }  // namespace
@@ -70,35 +76,45 @@ Acad::ErrorStatus AcDbMText::setContents(const ACHAR* text) {
     return changeText(this, text != nullptr, [&](MTextState& state) { state.contents = text; });
 }
 
-AcGePoint3d AcDbMText::location() const { return stateOf(this).location; }
+AcGePoint3d AcDbMText::location() const {
+    return stateOf(this).location;
+}
 
 Acad::ErrorStatus AcDbMText::setLocation(const AcGePoint3d& point) {
     return changeText(this, isFinite(point), [&](MTextState& state) { state.location = point; });
 }
 
-double AcDbMText::width() const { return stateOf(this).width; }
+double AcDbMText::width() const {
+    return stateOf(this).width;
+}
 
 Acad::ErrorStatus AcDbMText::setWidth(double width) {
     return changeText(this, width >= 0 && std::isfinite(width),
                       [&](MTextState& state) { state.width = width; });
 }
 
-double AcDbMText::textHeight() const { return stateOf(this).height; }
+double AcDbMText::textHeight() const {
+    return stateOf(this).height;
+}
 
 Acad::ErrorStatus AcDbMText::setTextHeight(double height) {
     return changeText(this, height > 0 && std::isfinite(height),
                       [&](MTextState& state) { state.height = height; });
 }
 
-AcDbObjectId AcDbMText::textStyle() const { return styleInUse(*this, stateOf(this).style); }
+AcDbObjectId AcDbMText::textStyle() const {
+    return styleInUse(*this, stateOf(this).style);
+}
 
 // A style of fixed height sets the height too.
 Acad::ErrorStatus AcDbMText::setTextStyle(AcDbObjectId style) {
-    if (const Acad::ErrorStatus status = checkTextStyle(style); status != Acad::eOk) return status;
+    if (const Acad::ErrorStatus status = checkTextStyle(style); status != Acad::eOk)
+        return status;
     return changeText(this, true, [&](MTextState& state) {
         const double fixed = lookOfStyle(style).textSize;
         state.style = style;
-        if (fixed > 0) state.height = fixed;
+        if (fixed > 0)
+            state.height = fixed;
     });
 }
 
@@ -112,7 +128,9 @@ Acad::ErrorStatus AcDbMText::setAttachment(AttachmentPoint point) {
                       [&](MTextState& state) { state.attachment = code; });
 }
 
-AcGeVector3d AcDbMText::normal() const { return stateOf(this).normal; }
+AcGeVector3d AcDbMText::normal() const {
+    return stateOf(this).normal;
+}
 
 // The direction is turned into the new plane; where it would run along the normal, the plane's own X axis
 // takes its place.
@@ -123,7 +141,9 @@ Acad::ErrorStatus AcDbMText::setNormal(const AcGeVector3d& normal) {
     });
 }
 
-AcGeVector3d AcDbMText::direction() const { return stateOf(this).direction; }
+AcGeVector3d AcDbMText::direction() const {
+    return stateOf(this).direction;
+}
 
 Acad::ErrorStatus AcDbMText::setDirection(const AcGeVector3d& direction) {
     const std::optional<AcGeVector3d> flat =
@@ -131,34 +151,44 @@ Acad::ErrorStatus AcDbMText::setDirection(const AcGeVector3d& direction) {
     return changeText(this, flat.has_value(), [&](MTextState& state) { state.direction = *flat; });
 }
 
-double AcDbMText::rotation() const { return rotationOf(stateOf(this)); }
+double AcDbMText::rotation() const {
+    return rotationOf(stateOf(this));
+}
 
 Acad::ErrorStatus AcDbMText::setRotation(double angle) {
     return changeText(this, std::isfinite(angle),
                       [&](MTextState& state) { state.direction = directionAt(angle, state.normal); });
 }
 
-double AcDbMText::lineSpacingFactor() const { return stateOf(this).spacingFactor; }
+double AcDbMText::lineSpacingFactor() const {
+    return stateOf(this).spacingFactor;
+}
 
 Acad::ErrorStatus AcDbMText::setLineSpacingFactor(double factor) {
     return changeText(this, factor >= kSmallestSpacing && factor <= kLargestSpacing,
                       [&](MTextState& state) { state.spacingFactor = factor; });
 }
 
-bool AcDbMText::backgroundFillOn() const { return isBackgroundOn(stateOf(this)); }
+bool AcDbMText::backgroundFillOn() const {
+    return isBackgroundOn(stateOf(this));
+}
 
 Acad::ErrorStatus AcDbMText::setBackgroundFill(bool on) {
     return changeText(this, true, [&](MTextState& state) { setBackground(state, on); });
 }
 
-double AcDbMText::backgroundScaleFactor() const { return stateOf(this).backgroundScale; }
+double AcDbMText::backgroundScaleFactor() const {
+    return stateOf(this).backgroundScale;
+}
 
 Acad::ErrorStatus AcDbMText::setBackgroundScaleFactor(double factor) {
     return changeText(this, factor >= kSmallestBackground && factor <= kLargestBackground,
                       [&](MTextState& state) { state.backgroundScale = factor; });
 }
 
-bool AcDbMText::useBackgroundColorOn() const { return stateOf(this).useBackgroundColor; }
+bool AcDbMText::useBackgroundColorOn() const {
+    return stateOf(this).useBackgroundColor;
+}
 
 Acad::ErrorStatus AcDbMText::setUseBackgroundColor(bool on) {
     return changeText(this, true, [&](MTextState& state) {
@@ -167,16 +197,25 @@ Acad::ErrorStatus AcDbMText::setUseBackgroundColor(bool on) {
     });
 }
 
-double AcDbMText::actualWidth() const { return layoutOf(*this).actualWidth; }
-double AcDbMText::actualHeight(AcGiWorldDraw*) const { return layoutOf(*this).actualHeight; }
-double AcDbMText::ascent() const { return layoutOf(*this).ascent; }
-double AcDbMText::descent() const { return layoutOf(*this).descent; }
+double AcDbMText::actualWidth() const {
+    return layoutOf(*this).actualWidth;
+}
+double AcDbMText::actualHeight(AcGiWorldDraw*) const {
+    return layoutOf(*this).actualHeight;
+}
+double AcDbMText::ascent() const {
+    return layoutOf(*this).ascent;
+}
+double AcDbMText::descent() const {
+    return layoutOf(*this).descent;
+}
 
 Acad::ErrorStatus AcDbMText::subTransformBy(const AcGeMatrix3d& matrix) {
     const MTextState& old = stateOf(this);
     const AcGeVector3d up = old.normal.crossProduct(old.direction);
     const std::optional<TextAxes> axes = transformedAxes(matrix, old.direction, up, old.normal);
-    if (!axes) return Acad::eNonUniformScale;
+    if (!axes)
+        return Acad::eNonUniformScale;
     AcGePoint3d location = old.location;
     if (axes->turnedX || axes->turnedY) {
         // To the place in the mirrored box that the attachment point has in an unmirrored one.
@@ -186,7 +225,8 @@ Acad::ErrorStatus AcDbMText::subTransformBy(const AcGeMatrix3d& matrix) {
         location += axes->turnedX ? old.direction * beyondX : up * beyondY;
     }
     location = matrix * location;
-    if (!isFinite(location)) return Acad::eInvalidInput;
+    if (!isFinite(location))
+        return Acad::eInvalidInput;
     return changeText(this, true, [&](MTextState& state) {
         state.location = location;
         state.direction = axes->x;

@@ -53,7 +53,7 @@ struct TextPlane {
 
 // Switches the colour of what is drawn to that of a format, and back to the entity's.
 class FormatColor {
-  public:
+public:
     FormatColor(const AcDbMText& entity, AcGiSubEntityTraits& traits)
         : traits_(traits), ownIndex_(entity.colorIndex()), ownTrueColor_(entity.trueColor()) {}
     ~FormatColor() { setTo(text::MTextFormat()); }
@@ -61,7 +61,8 @@ class FormatColor {
     FormatColor& operator=(const FormatColor&) = delete;
 
     void setTo(const text::MTextFormat& format) {
-        if (format.color == color_ && format.trueColor == trueColor_) return;
+        if (format.color == color_ && format.trueColor == trueColor_)
+            return;
         color_ = format.color;
         trueColor_ = format.trueColor;
         const bool isOwn = color_ == text::MTextFormat::kOwnColor && trueColor_ < 0;
@@ -77,7 +78,7 @@ class FormatColor {
         traits_.setBackgroundColor();
     }
 
-  private:
+private:
     static constexpr std::int32_t kBackground = -2;  // no format has it
 
     void apply(std::int32_t trueColor, std::uint16_t index) {
@@ -202,10 +203,12 @@ Acad::ErrorStatus AcDbMText::subExplode(AcDbEntityArray& parts) const {
     const TextPlane plane(readState<MTextState>(this));
     for (const text::MTextPiece& piece : layout.pieces) {
         const text::MTextFormat& format = layout.formats[piece.format];
-        if (!piece.ink.empty) takeLook(parts.at(parts.append(textOf(*this, piece, format))), *this, format);
+        if (!piece.ink.empty)
+            takeLook(parts.at(parts.append(textOf(*this, piece, format))), *this, format);
     }
     for (const text::MTextRule& rule : layout.rules) {
-        if (!rule.isFraction) continue;
+        if (!rule.isFraction)
+            continue;
         auto* line = new AcDbLine(plane.at(rule.start), plane.at(rule.end));
         takeLook(parts.at(parts.append(line)), *this, layout.formats[rule.format]);
     }

@@ -50,25 +50,28 @@ bool takeGroup(ObjectState& state, const DxfGroup& group, AcDbDatabase*) {
     AcGeVector3d direction;
     double number = 0;
     switch (group.code) {
-    case kPieceGroup:
-    case kLastPieceGroup:
-        filed.hasText = true;
-        if (!detail::readValue(group, piece)) return false;
-        (group.code == kPieceGroup ? filed.pieces : filed.lastPiece) += piece;
-        return true;
-    case kDirectionGroup:
-        if (!detail::readValue(group, direction)) return false;
-        filed.direction = direction;
-        filed.angle.reset();
-        return true;
-    case kRotationGroup:
-        if (!detail::readValue(group, number)) return false;
-        filed.angle = number;
-        return true;
-    // What the program that wrote the text measured; measured anew here.
-    case kWidthGroup:
-    case kHeightGroup: return true;
-    default: return false;
+        case kPieceGroup:
+        case kLastPieceGroup:
+            filed.hasText = true;
+            if (!detail::readValue(group, piece))
+                return false;
+            (group.code == kPieceGroup ? filed.pieces : filed.lastPiece) += piece;
+            return true;
+        case kDirectionGroup:
+            if (!detail::readValue(group, direction))
+                return false;
+            filed.direction = direction;
+            filed.angle.reset();
+            return true;
+        case kRotationGroup:
+            if (!detail::readValue(group, number))
+                return false;
+            filed.angle = number;
+            return true;
+        // What the program that wrote the text measured; measured anew here.
+        case kWidthGroup:
+        case kHeightGroup: return true;
+        default: return false;
     }
 }
 
@@ -89,17 +92,23 @@ constexpr std::array<DxfField, std::size(kFirstFields) + std::size(kLastFields) 
     std::array<DxfField, std::size(kFirstFields) + std::size(kLastFields) + 3> fields{
         kMiddleFields[0], kMiddleFields[1], kBackgroundScale};
     std::size_t next = 3;
-    for (const DxfField& field : kFirstFields) fields[next++] = field;
-    for (const DxfField& field : kLastFields) fields[next++] = field;
+    for (const DxfField& field : kFirstFields)
+        fields[next++] = field;
+    for (const DxfField& field : kLastFields)
+        fields[next++] = field;
     return fields;
 }
 constexpr auto kReadingFields = readingFields();
 
 const wchar_t* problemOf(const MTextState& state) {
-    if (!(state.height > 0)) return L"group 40: text height must be positive";
-    if (!(state.width >= 0)) return L"group 41: width must not be negative";
-    if (state.attachment < 1 || state.attachment > 9) return L"group 71: attachment point must be 1 to 9";
-    if (!(state.spacingFactor > 0)) return L"group 44: line spacing factor must be positive";
+    if (!(state.height > 0))
+        return L"group 40: text height must be positive";
+    if (!(state.width >= 0))
+        return L"group 41: width must not be negative";
+    if (state.attachment < 1 || state.attachment > 9)
+        return L"group 71: attachment point must be 1 to 9";
+    if (!(state.spacingFactor > 0))
+        return L"group 44: line spacing factor must be positive";
     return nullptr;
 }
 
@@ -111,17 +120,20 @@ bool settleDirection(FiledMText& filed, AcDbDxfFiler* filer) {
     }
     const AcGeVector3d flat = filed.direction - filed.normal * filed.direction.dotProduct(filed.normal);
     const double length = flat.length();
-    if (!(length > 1e-9) || !std::isfinite(length)) return false;
+    if (!(length > 1e-9) || !std::isfinite(length))
+        return false;
     const bool isSettled =
         std::abs(length - 1) < 1e-9 && std::abs(filed.direction.dotProduct(filed.normal)) < 1e-9;
-    if (!isSettled) filed.direction = flat / length;
+    if (!isSettled)
+        filed.direction = flat / length;
     return true;
 }
 
 }  // namespace
 
 Acad::ErrorStatus AcDbMText::dxfOutFields(AcDbDxfFiler* filer) const {
-    if (const Acad::ErrorStatus status = AcDbEntity::dxfOutFields(filer); status != Acad::eOk) return status;
+    if (const Acad::ErrorStatus status = AcDbEntity::dxfOutFields(filer); status != Acad::eOk)
+        return status;
     MTextState state(readState<MTextState>(this));
     state.style = styleInUse(*this, state.style);
     const text::MTextLayout layout = layoutOf(*this);
@@ -132,7 +144,8 @@ Acad::ErrorStatus AcDbMText::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writeItem(kWidthGroup, layout.actualWidth);
     filer->writeItem(kHeightGroup, layout.actualHeight);
     // Files have the direction alone; LISP programs read either.
-    if (!holdsDegrees(filer)) filer->writeItem(kRotationGroup, rotationOf(state));
+    if (!holdsDegrees(filer))
+        filer->writeItem(kRotationGroup, rotationOf(state));
     writeFields(filer, state, kLastFields);
     if (state.backgroundFlags != 0 || state.backgroundScale != MTextState().backgroundScale) {
         writeFields(filer, state, {&kBackgroundScale, 1});
@@ -142,19 +155,25 @@ Acad::ErrorStatus AcDbMText::dxfOutFields(AcDbDxfFiler* filer) const {
 }
 
 Acad::ErrorStatus AcDbMText::dxfInFields(AcDbDxfFiler* filer) {
-    if (const Acad::ErrorStatus status = AcDbEntity::dxfInFields(filer); status != Acad::eOk) return status;
+    if (const Acad::ErrorStatus status = AcDbEntity::dxfInFields(filer); status != Acad::eOk)
+        return status;
     auto* state = writeState<MTextState>(this);
-    if (!state) return Acad::eNotOpenForWrite;
+    if (!state)
+        return Acad::eNotOpenForWrite;
     FiledMText filed(*state);
     filed.style = styleForReading(filer, filed.style);
     std::vector<DxfGroup> embedded = setAsideEmbedded(filer);
     const Acad::ErrorStatus status = readSubclass(filer, kSubclass, filed, kReadingFields, takeGroup);
-    if (status != Acad::eOk) return status;
-    if (const wchar_t* problem = problemOf(filed)) return rejectGroup(filer, problem);
-    if (!settleNormal(filed.normal)) return rejectGroup(filer, L"group 210: no direction");
+    if (status != Acad::eOk)
+        return status;
+    if (const wchar_t* problem = problemOf(filed))
+        return rejectGroup(filer, problem);
+    if (!settleNormal(filed.normal))
+        return rejectGroup(filer, L"group 210: no direction");
     if (!settleDirection(filed, filer))
         return rejectGroup(filer, L"group 11: no direction in the text's plane");
-    if (filed.hasText) filed.contents = filed.pieces + filed.lastPiece;
+    if (filed.hasText)
+        filed.contents = filed.pieces + filed.lastPiece;
     filed.useBackgroundColor = (filed.backgroundFlags & MTextState::kFillWindow) != 0;
     keepEmbedded(filed, kSubclass, std::move(embedded));
     *state = std::move(static_cast<MTextState&>(filed));

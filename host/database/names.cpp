@@ -40,23 +40,17 @@ bool isLetter(wchar_t c) {
 bool matchesElement(wchar_t c, std::wstring_view pattern, std::size_t& length) {
     length = 1;
     switch (pattern[0]) {
-    case L'?':
-        return true;
-    case L'#':
-        return isDigit(c);
-    case L'@':
-        return isLetter(c);
-    case L'.':
-        return !isDigit(c) && !isLetter(c);
-    case L'`':
-        if (pattern.size() < 2)
-            return c == L'`';
-        length = 2;
-        return c == pattern[1];
-    case L'[':
-        break;
-    default:
-        return c == pattern[0];
+        case L'?': return true;
+        case L'#': return isDigit(c);
+        case L'@': return isLetter(c);
+        case L'.': return !isDigit(c) && !isLetter(c);
+        case L'`':
+            if (pattern.size() < 2)
+                return c == L'`';
+            length = 2;
+            return c == pattern[1];
+        case L'[': break;
+        default: return c == pattern[0];
     }
     const std::size_t end = pattern.find(L']', 1);
     if (end == std::wstring_view::npos)
@@ -119,7 +113,7 @@ std::size_t patternEnd(std::wstring_view patterns) {
     return patterns.size();
 }
 
-} // namespace
+}  // namespace
 
 std::wstring foldCase(std::wstring_view name) {
     std::wstring folded(name);
@@ -156,4 +150,4 @@ bool matchesPattern(std::wstring_view name, std::wstring_view patterns) {
     }
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -22,4 +22,4 @@ bool isValidSymbolName(std::wstring_view name, Anonymous anonymous = Anonymous::
 // ~ at the start not, ` the next character as it is.
 bool matchesPattern(std::wstring_view name, std::wstring_view patterns);
 
-} // namespace drafthost
+}  // namespace drafthost

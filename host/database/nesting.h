@@ -34,4 +34,4 @@ private:
     bool entered_;
 };
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -35,7 +35,7 @@ void eraseOwned(AcDbObjectId id, bool erasing) {
     }
 }
 
-} // namespace
+}  // namespace
 
 AcDbObject::AcDbObject() : AcDbObject(newImp<PlainState>()) {}
 AcDbObject::AcDbObject(ObjectImp* imp) : imp_(imp) {}
@@ -98,7 +98,7 @@ Acad::ErrorStatus AcDbObject::close() {
     } else if (stub->readers > (stub->transactionRead ? 1 : 0)) {
         --stub->readers;
     } else {
-        return Acad::eInvalidOpenState; // not open, or open for a transaction that closes it itself
+        return Acad::eInvalidOpenState;  // not open, or open for a transaction that closes it itself
     }
     --openCounters().openObjects;
     return Acad::eOk;

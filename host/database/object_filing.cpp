@@ -213,8 +213,8 @@ std::vector<DxfGroup> readAll(AcDbDxfFiler& filer) {
     }
 }
 
-} // namespace
-} // namespace drafthost
+}  // namespace
+}  // namespace drafthost
 
 Acad::ErrorStatus AcDbObject::dxfOut(AcDbDxfFiler* filer) const {
     if (!filer)

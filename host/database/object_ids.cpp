@@ -26,7 +26,7 @@ StubRegistry& registry() {
     return *instance;
 }
 
-} // namespace
+}  // namespace
 
 AcDbStub* newStub(AcDbDatabase* database, AcDbHandle handle) {
     StubRegistry& stubs = registry();
@@ -62,7 +62,7 @@ void unregisterDatabase(AcDbDatabase* database) {
     std::erase(registry().databases, database);
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 const AcDbObjectId AcDbObjectId::kNull;
 

@@ -28,7 +28,7 @@ struct ObjectState {
     AcDbObjectId owner;
     AcDbObjectId extensionDictionary;
     std::vector<AcDbObjectId> reactors;
-    std::vector<DxfGroup> xdata; // starts with group 1001; one run for each application
+    std::vector<DxfGroup> xdata;  // starts with group 1001; one run for each application
     std::vector<ExtraGroup> extras;
 
     ObjectState() = default;
@@ -54,8 +54,8 @@ struct ClonedState : Base {
 };
 
 struct EntityState : ObjectState {
-    AcDbObjectId layer;    // null: the current layer when the entity is appended
-    AcDbObjectId linetype; // null: by layer
+    AcDbObjectId layer;     // null: the current layer when the entity is appended
+    AcDbObjectId linetype;  // null: by layer
     double linetypeScale = 1.0;
     std::int32_t color = 256;
     std::int32_t trueColor = -1;
@@ -66,7 +66,7 @@ struct EntityState : ObjectState {
 struct ObjectImp {
     explicit ObjectImp(std::unique_ptr<ObjectState> initial) : state(std::move(initial)) {}
 
-    AcDbStub* stub = nullptr; // null: not in a database
+    AcDbStub* stub = nullptr;  // null: not in a database
     std::unique_ptr<ObjectState> state;
 
     static ObjectImp& of(const AcDbObject* object) { return *object->imp_; }
@@ -94,4 +94,4 @@ State* writeState(AcDbObject* object) {
     return prepareWrite(object) ? static_cast<State*>(ObjectImp::of(object).state.get()) : nullptr;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -29,7 +29,7 @@ Acad::ErrorStatus conflict(const AcDbStub& stub, AcDb::OpenMode mode) {
     return Acad::eOk;
 }
 
-} // namespace
+}  // namespace
 
 bool mayWrite(const AcDbDatabase& database) {
     const AcDbDatabase::Impl& impl = database.impl();
@@ -48,20 +48,15 @@ Acad::ErrorStatus openStub(AcDbStub& stub, AcDb::OpenMode mode) {
     if (const auto status = conflict(stub, mode); status != Acad::eOk)
         return status;
     switch (mode) {
-    case AcDb::kForRead:
-        ++stub.readers;
-        break;
-    case AcDb::kForNotify:
-        stub.notify = true;
-        break;
-    case AcDb::kForWrite:
-        if (const auto status = mayWrite(stub); status != Acad::eOk)
-            return status;
-        stub.writer = true;
-        stub.modified = false;
-        break;
-    default:
-        return Acad::eInvalidInput;
+        case AcDb::kForRead: ++stub.readers; break;
+        case AcDb::kForNotify: stub.notify = true; break;
+        case AcDb::kForWrite:
+            if (const auto status = mayWrite(stub); status != Acad::eOk)
+                return status;
+            stub.writer = true;
+            stub.modified = false;
+            break;
+        default: return Acad::eInvalidInput;
     }
     ++openCounters().openObjects;
     return Acad::eOk;
@@ -79,4 +74,4 @@ void closeAll(AcDbStub& stub) {
     stub.writer = stub.notify = stub.transactionRead = stub.transactionWrite = false;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -26,4 +26,4 @@ inline bool isOpen(const AcDbStub& stub) {
     return stub.readers > 0 || stub.writer || stub.notify;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -10,10 +10,10 @@ namespace drafthost {
 
 // The range of a curve's parameter; enough to turn parameters into distances without computing the piece.
 struct ParameterSpan {
-    double first = 0;   // parameter of the start
-    double extent = 0;  // not negative
-    double speed = 1;   // length for one unit of the parameter
-    bool turns = false; // the parameter is an angle, whole turns more or less are the same
+    double first = 0;    // parameter of the start
+    double extent = 0;   // not negative
+    double speed = 1;    // length for one unit of the parameter
+    bool turns = false;  // the parameter is an angle, whole turns more or less are the same
 
     // From the curve's parameter to the piece's, in [0, extent]; false: off the curve.
     bool locate(double parameter, double& onPiece) const {
@@ -111,4 +111,4 @@ inline void addBox(AcDbExtents& extents, const Box& box) {
     extents.addPoint(box.maximum);
 }
 
-} // namespace drafthost
+}  // namespace drafthost

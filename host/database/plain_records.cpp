@@ -17,7 +17,7 @@ AcRxObject* newDimensionStyle() {
     return new AcDbPlainTableRecord(L"DIMSTYLE");
 }
 
-} // namespace
+}  // namespace
 
 // Copies take the kind of the original with its state, so any kind does for the constructor.
 DRAFTHOST_DEFINE_CLASS(AcDbPlainTableRecord, AcDbSymbolTableRecord, nullptr, &newDimensionStyle)
@@ -54,7 +54,7 @@ bool keepGroup(ObjectState& state, const DxfGroup& group, AcDbDatabase*) {
     return true;
 }
 
-} // namespace
+}  // namespace
 
 AcDbRegAppTableRecord::AcDbRegAppTableRecord() : AcDbSymbolTableRecord(newImp<RegAppState>()) {}
 

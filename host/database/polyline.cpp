@@ -45,7 +45,7 @@ std::size_t pieceCount(const PolylineState& state) {
 
 struct Place {
     std::size_t segment = 0;
-    double fraction = 0; // of the segment, 0 to 1
+    double fraction = 0;  // of the segment, 0 to 1
 };
 
 bool locate(const PolylineState& state, double parameter, Place& place) {
@@ -99,7 +99,7 @@ double twiceSegmentArea(double chordLength, double bulge) {
     return radius * radius * (sweep - std::sin(sweep));
 }
 
-} // namespace
+}  // namespace
 
 AcDbPolyline::AcDbPolyline() : AcDbCurve(newImp<PolylineState>()) {}
 

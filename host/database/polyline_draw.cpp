@@ -121,7 +121,7 @@ void drawThin(AcGiWorldDraw* worldDraw, const PolylineState& state) {
 
 // The edges of an arc of one width are arcs themselves.
 void addEdges(AcDbExtents& extents, const WideSegment& segment, const AcGeVector3d& normal) {
-    constexpr double kFineDeviation = 1e-6; // of the radius, for the edges of tapered arcs
+    constexpr double kFineDeviation = 1e-6;  // of the radius, for the edges of tapered arcs
     for (const AcGePoint3d& corner : outlineOf(segment, normal, segment.piece.radius * kFineDeviation)) {
         extents.addPoint(corner);
     }
@@ -151,7 +151,7 @@ AcDbEntity* partOf(const CurvePiece& piece, const PolylineState& state, const Pl
     return arc;
 }
 
-} // namespace
+}  // namespace
 
 bool AcDbPolyline::subWorldDraw(AcGiWorldDraw* worldDraw) {
     const auto& state = readState<PolylineState>(this);

@@ -115,7 +115,7 @@ void settleWidths(PolylineState& filed, const PolylineState& before) {
     }
 }
 
-} // namespace
+}  // namespace
 
 Acad::ErrorStatus AcDbPolyline::dxfOutFields(AcDbDxfFiler* filer) const {
     if (const Acad::ErrorStatus status = AcDbEntity::dxfOutFields(filer); status != Acad::eOk)

@@ -31,4 +31,4 @@ const std::vector<double>& PolylineState::cumulativeLengths() const {
     return lengths;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

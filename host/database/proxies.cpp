@@ -52,7 +52,7 @@ void forEachStub(Visit visit) {
     }
 }
 
-} // namespace
+}  // namespace
 
 void replaceObjectsByProxies(const AcRxClass* cls) {
     forEachStub([cls](AcDbStub& stub) {
@@ -74,4 +74,4 @@ void replaceProxiesByObjects() {
     });
 }
 
-} // namespace drafthost
+}  // namespace drafthost

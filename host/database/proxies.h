@@ -13,4 +13,4 @@ void replaceObjectsByProxies(const AcRxClass* cls);
 // Classes have come: kept objects of a class that is known now become objects of it again.
 void replaceProxiesByObjects();
 
-} // namespace drafthost
+}  // namespace drafthost

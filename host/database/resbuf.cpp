@@ -54,49 +54,33 @@ namespace {
 
 ResultKind kindOfGroup(int code) {
     switch (dxfKind(code)) {
-    case DxfKind::Text:
-        return ResultKind::String;
-    case DxfKind::Point:
-        return ResultKind::Point;
-    case DxfKind::Real:
-        return ResultKind::Real;
-    case DxfKind::Int16:
-    case DxfKind::Bool:
-        return ResultKind::Short;
-    case DxfKind::Int32:
-        return ResultKind::Long;
-    case DxfKind::Int64:
-        return ResultKind::Int64;
-    case DxfKind::Handle:
-        return ResultKind::Handle;
-    case DxfKind::Reference:
-        return ResultKind::Name;
-    case DxfKind::Binary:
-        return ResultKind::Binary;
+        case DxfKind::Text: return ResultKind::String;
+        case DxfKind::Point: return ResultKind::Point;
+        case DxfKind::Real: return ResultKind::Real;
+        case DxfKind::Int16:
+        case DxfKind::Bool: return ResultKind::Short;
+        case DxfKind::Int32: return ResultKind::Long;
+        case DxfKind::Int64: return ResultKind::Int64;
+        case DxfKind::Handle: return ResultKind::Handle;
+        case DxfKind::Reference: return ResultKind::Name;
+        case DxfKind::Binary: return ResultKind::Binary;
     }
     return ResultKind::None;
 }
 
 ResultKind kindOfLispType(int type) {
     switch (type) {
-    case RTREAL:
-    case RTANG:
-    case RTORINT:
-        return ResultKind::Real;
-    case RTPOINT:
-    case RT3DPOINT:
-        return ResultKind::Point;
-    case RTSHORT:
-        return ResultKind::Short;
-    case RTLONG:
-        return ResultKind::Long;
-    case RTSTR:
-        return ResultKind::String;
-    case RTENAME:
-    case RTPICKS:
-        return ResultKind::Name;
-    default:
-        return ResultKind::None;
+        case RTREAL:
+        case RTANG:
+        case RTORINT: return ResultKind::Real;
+        case RTPOINT:
+        case RT3DPOINT: return ResultKind::Point;
+        case RTSHORT: return ResultKind::Short;
+        case RTLONG: return ResultKind::Long;
+        case RTSTR: return ResultKind::String;
+        case RTENAME:
+        case RTPICKS: return ResultKind::Name;
+        default: return ResultKind::None;
     }
 }
 
@@ -106,15 +90,13 @@ bool isGroupCode(int type) {
 
 bool isKnownType(int type) {
     switch (type) {
-    case RTVOID:
-    case RTLB:
-    case RTLE:
-    case RTDOTE:
-    case RTNIL:
-    case RTT:
-        return true;
-    default:
-        return isGroupCode(type) || kindOfLispType(type) != ResultKind::None;
+        case RTVOID:
+        case RTLB:
+        case RTLE:
+        case RTDOTE:
+        case RTNIL:
+        case RTT: return true;
+        default: return isGroupCode(type) || kindOfLispType(type) != ResultKind::None;
     }
 }
 
@@ -125,50 +107,43 @@ bool ownsText(ResultKind kind) {
 // Reads the next value from the arguments of acutBuildList. Short values arrive as int.
 bool takeArgument(resbuf& node, va_list& arguments) {
     switch (acutResultKind(node.restype)) {
-    case ResultKind::Real:
-        node.resval.rreal = va_arg(arguments, double);
-        return true;
-    case ResultKind::Point: {
-        const ads_real* const point = va_arg(arguments, ads_real*);
-        if (!point)
-            return false;
-        std::copy(point, point + 3, node.resval.rpoint);
-        return true;
-    }
-    case ResultKind::Short:
-        node.resval.rlong = static_cast<std::int16_t>(va_arg(arguments, int));
-        return true;
-    case ResultKind::Long:
-        node.resval.rlong = va_arg(arguments, std::int32_t);
-        return true;
-    case ResultKind::Int64:
-        node.resval.rlname[0] = va_arg(arguments, std::int64_t);
-        return true;
-    case ResultKind::String:
-    case ResultKind::Handle: {
-        const ACHAR* const text = va_arg(arguments, const ACHAR*);
-        return setText(node, text ? text : L"");
-    }
-    case ResultKind::Name: {
-        const std::int64_t* const name = va_arg(arguments, std::int64_t*);
-        if (!name)
-            return false;
-        ads_name_set(name, node.resval.rlname);
-        return true;
-    }
-    case ResultKind::Binary: {
-        const ads_binary* const binary = va_arg(arguments, ads_binary*);
-        return binary && setBinary(node, reinterpret_cast<const std::uint8_t*>(binary->buf),
-                                   static_cast<std::size_t>(binary->clen));
-    }
-    case ResultKind::None:
-        return true;
+        case ResultKind::Real: node.resval.rreal = va_arg(arguments, double); return true;
+        case ResultKind::Point: {
+            const ads_real* const point = va_arg(arguments, ads_real*);
+            if (!point)
+                return false;
+            std::copy(point, point + 3, node.resval.rpoint);
+            return true;
+        }
+        case ResultKind::Short:
+            node.resval.rlong = static_cast<std::int16_t>(va_arg(arguments, int));
+            return true;
+        case ResultKind::Long: node.resval.rlong = va_arg(arguments, std::int32_t); return true;
+        case ResultKind::Int64: node.resval.rlname[0] = va_arg(arguments, std::int64_t); return true;
+        case ResultKind::String:
+        case ResultKind::Handle: {
+            const ACHAR* const text = va_arg(arguments, const ACHAR*);
+            return setText(node, text ? text : L"");
+        }
+        case ResultKind::Name: {
+            const std::int64_t* const name = va_arg(arguments, std::int64_t*);
+            if (!name)
+                return false;
+            ads_name_set(name, node.resval.rlname);
+            return true;
+        }
+        case ResultKind::Binary: {
+            const ads_binary* const binary = va_arg(arguments, ads_binary*);
+            return binary && setBinary(node, reinterpret_cast<const std::uint8_t*>(binary->buf),
+                                       static_cast<std::size_t>(binary->clen));
+        }
+        case ResultKind::None: return true;
     }
     return false;
 }
 
-} // namespace
-} // namespace drafthost
+}  // namespace
+}  // namespace drafthost
 
 ResultKind acutResultKind(int type) {
     if (type == -3 || type == -5)

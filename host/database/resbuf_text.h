@@ -15,4 +15,4 @@ ACHAR* copyText(std::wstring_view text);
 bool setText(resbuf& node, std::wstring_view text);
 bool setBinary(resbuf& node, const std::uint8_t* bytes, std::size_t count);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -44,7 +44,7 @@ BlockState filedState(const AcDbBlockTableRecord& record) {
     return state;
 }
 
-} // namespace
+}  // namespace
 
 AcDbBlockBegin::AcDbBlockBegin() : AcDbEntity(newImp<MarkerState>()) {}
 AcDbBlockEnd::AcDbBlockEnd() : AcDbEntity(newImp<MarkerState>()) {}

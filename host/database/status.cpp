@@ -67,7 +67,7 @@ constexpr StatusText kStatusTexts[] = {
 };
 #undef DRAFTHOST_STATUS
 
-} // namespace
+}  // namespace
 
 const ACHAR* acadErrorStatusText(Acad::ErrorStatus status) {
     for (const StatusText& entry : kStatusTexts) {

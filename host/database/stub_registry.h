@@ -10,4 +10,4 @@ AcDbStub* newStub(AcDbDatabase* database, AcDbHandle handle);
 void registerDatabase(AcDbDatabase* database);
 void unregisterDatabase(AcDbDatabase* database);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -34,4 +34,4 @@ bool isRecordOf(TableIndex table, const AcDbSymbolTableRecord& record);
 // Rows every record begins with: markers, name (2) and flags (70).
 void writeRecordMarkers(AcDbDxfFiler* filer, const ACHAR* subclass, const AcDbSymbolTableRecord& record);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -130,7 +130,7 @@ Acad::ErrorStatus insertRecord(AcDbSymbolTable& table, TableIndex index, AcDbSym
     return Acad::eOk;
 }
 
-} // namespace
+}  // namespace
 
 const wchar_t* tableName(TableIndex table) {
     return describe(table).name;
@@ -196,7 +196,7 @@ void writeRecordMarkers(AcDbDxfFiler* filer, const ACHAR* subclass, const AcDbSy
     filer->writeItem(2, state.name.c_str());
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 AcDbSymbolTable::AcDbSymbolTable(ObjectImp* imp) : AcDbObject(imp) {}
 
@@ -366,7 +366,7 @@ bool isUsed(const AcDbSymbolTableRecord& record) {
     return false;
 }
 
-} // namespace
+}  // namespace
 
 Acad::ErrorStatus AcDbSymbolTableRecord::subErase(bool erasing) {
     if (!erasing) {

@@ -80,7 +80,7 @@ bool isStepped(AcDbObjectId id) {
     return !block || !block->isLayout();
 }
 
-} // namespace
+}  // namespace
 
 void drafthost::forgetTableSteps(const AcDbDatabase* database) {
     if (currentSteps().database == database)

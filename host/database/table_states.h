@@ -12,27 +12,27 @@
 namespace drafthost {
 
 struct TableState : ClonedState<TableState, ObjectState> {
-    std::vector<AcDbObjectId> records; // in table order, erased ones too
+    std::vector<AcDbObjectId> records;  // in table order, erased ones too
     // By folded name (foldCase). A name of an erased record that was taken again belongs to the new one.
     std::unordered_map<std::wstring, AcDbObjectId> byName;
 };
 
 struct RecordState : ObjectState {
     std::wstring name;
-    std::int32_t flags = 0; // group 70
+    std::int32_t flags = 0;  // group 70
 };
 
 struct BlockState : ClonedState<BlockState, RecordState> {
-    std::vector<AcDbObjectId> entities; // in drawing order, erased ones too
-    AcDbObjectId begin, end;            // AcDbBlockBegin and AcDbBlockEnd entities
+    std::vector<AcDbObjectId> entities;  // in drawing order, erased ones too
+    AcDbObjectId begin, end;             // AcDbBlockBegin and AcDbBlockEnd entities
     AcGePoint3d origin;
     std::wstring description;
-    std::wstring externalPath; // of an external reference
-    AcDbObjectId layout;       // AcDbLayout of model and paper space; null for blocks
+    std::wstring externalPath;  // of an external reference
+    AcDbObjectId layout;        // AcDbLayout of model and paper space; null for blocks
 };
 
 struct LayerState : ClonedState<LayerState, RecordState> {
-    std::int32_t color = 7; // negative in files when off; here always positive
+    std::int32_t color = 7;  // negative in files when off; here always positive
     std::int32_t trueColor = -1;
     AcDbObjectId linetype;
     std::int32_t lineWeight = AcDb::kLnWtByLwDefault;
@@ -58,12 +58,12 @@ struct LinetypeState : ClonedState<LinetypeState, RecordState> {
 struct TextStyleState : ClonedState<TextStyleState, RecordState> {
     double textSize = 0;
     double xScale = 1;
-    double obliquingAngle = 0;   // radians
-    std::int32_t generation = 0; // 2 backward, 4 upside down
+    double obliquingAngle = 0;    // radians
+    std::int32_t generation = 0;  // 2 backward, 4 upside down
     double lastHeight = 2.5;
     std::wstring fileName = L"txt";
     std::wstring bigFontFile;
-    std::wstring typeface; // copy of what extended data of "ACAD" say, for quick reading
+    std::wstring typeface;  // copy of what extended data of "ACAD" say, for quick reading
     std::int32_t fontFlags = 0;
 
     void extendedDataChanged() override;
@@ -71,7 +71,7 @@ struct TextStyleState : ClonedState<TextStyleState, RecordState> {
 
 struct PlainRecordState : ClonedState<PlainRecordState, RecordState> {
     std::wstring kind;
-    std::vector<DxfGroup> groups; // behind the name and flags, as read
+    std::vector<DxfGroup> groups;  // behind the name and flags, as read
 };
 
 struct RegAppState : ClonedState<RegAppState, RecordState> {};
@@ -80,11 +80,11 @@ struct DictionaryState : ClonedState<DictionaryState, ObjectState> {
     struct Entry {
         std::wstring name;
         AcDbObjectId id;
-        short code = 350; // 350 soft owner, 360 hard owner
+        short code = 350;  // 350 soft owner, 360 hard owner
     };
     std::vector<Entry> entries;
-    std::int32_t hardOwner = 0; // group 280
-    std::int32_t cloning = 1;   // group 281
+    std::int32_t hardOwner = 0;  // group 280
+    std::int32_t cloning = 1;    // group 281
 };
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -29,31 +29,40 @@ constexpr DxfField kTextFields[] = {
 };
 constexpr DxfField kSecondFields[] = {kVerticalMode};
 
-const TextState& stateOf(const AcDbText* text) { return readState<TextState>(text); }
+const TextState& stateOf(const AcDbText* text) {
+    return readState<TextState>(text);
+}
 
 // Changes the state and brings a justified text's position up to date.
 template <class Change>
 Acad::ErrorStatus changeText(AcDbText* text, bool valid, Change change) {
-    if (!valid) return Acad::eInvalidInput;
+    if (!valid)
+        return Acad::eInvalidInput;
     auto* state = writeState<TextState>(text);
-    if (!state) return Acad::eNotOpenForWrite;
+    if (!state)
+        return Acad::eNotOpenForWrite;
     change(*state);
     dropEmbedded(*state);
     settlePosition(*text, *state);
     return Acad::eOk;
 }
 
-bool isJustified(const TextState& state) { return state.horizontal != 0 || state.vertical != 0; }
+bool isJustified(const TextState& state) {
+    return state.horizontal != 0 || state.vertical != 0;
+}
 bool runsBetweenPoints(const TextState& state) {
     return state.horizontal == TextState::kAligned || state.horizontal == TextState::kFit;
 }
 
 const wchar_t* problemOf(const TextState& state) {
-    if (!(state.height > 0)) return L"group 40: text height must be positive";
-    if (!(state.widthFactor > 0)) return L"group 41: width factor must be positive";
+    if (!(state.height > 0))
+        return L"group 40: text height must be positive";
+    if (!(state.widthFactor > 0))
+        return L"group 41: width factor must be positive";
     if (state.horizontal < 0 || state.horizontal > kLastHorizontalMode)
         return L"group 72: no text justification";
-    if (state.vertical < 0 || state.vertical > kLastVerticalMode) return L"group 73: no text justification";
+    if (state.vertical < 0 || state.vertical > kLastVerticalMode)
+        return L"group 73: no text justification";
     return nullptr;
 }
 
@@ -79,7 +88,8 @@ Acad::ErrorStatus readTextGroups(AcDbDxfFiler* filer, TextState& state, bool sec
     state.oblique = angleToFile(filer, state.oblique);
     state.style = styleForReading(filer, state.style);
     Acad::ErrorStatus status = readSubclass(filer, kTextSubclass, state, kTextFields);
-    if (status != Acad::eOk) return status;
+    if (status != Acad::eOk)
+        return status;
     const auto* groups = dynamic_cast<GroupFiler*>(filer);
     bool hasSecondPart = secondPart && groups && !groups->hasMarkers();
     if (secondPart && filer->atSubclassData(kTextSubclass)) {
@@ -95,7 +105,8 @@ Acad::ErrorStatus readTextGroups(AcDbDxfFiler* filer, TextState& state, bool sec
     }
     state.rotation = angleFromFile(filer, state.rotation);
     state.oblique = angleFromFile(filer, state.oblique);
-    if (status != Acad::eOk) return status;
+    if (status != Acad::eOk)
+        return status;
     const wchar_t* problem = problemOf(state);
     return problem ? rejectGroup(filer, problem) : Acad::eOk;
 }
@@ -116,8 +127,10 @@ AcDbText::AcDbText(const AcGePoint3d& position, const ACHAR* text, AcDbObjectId 
     auto& state = static_cast<TextState&>(*ObjectImp::of(this).state);
     state.position = position;
     state.text = text ? text : L"";
-    if (!style.isNull()) state.style = style;
-    if (height > 0) state.height = height;
+    if (!style.isNull())
+        state.style = style;
+    if (height > 0)
+        state.height = height;
     state.rotation = rotation;
 }
 
@@ -143,30 +156,44 @@ Acad::ErrorStatus AcDbText::setAlignmentPoint(const AcGePoint3d& point) {
                       [&](TextState& state) { state.alignment = planeAxes(state.normal).toPlane(point); });
 }
 
-const ACHAR* AcDbText::textString() const { return stateOf(this).text.c_str(); }
+const ACHAR* AcDbText::textString() const {
+    return stateOf(this).text.c_str();
+}
 
 Acad::ErrorStatus AcDbText::setTextString(const ACHAR* text) {
     return changeText(this, text != nullptr, [&](TextState& state) { state.text = text; });
 }
 
-double AcDbText::height() const { return stateOf(this).height; }
+double AcDbText::height() const {
+    return stateOf(this).height;
+}
 
 Acad::ErrorStatus AcDbText::setHeight(double height) {
     return changeText(this, height > 0 && std::isfinite(height),
                       [&](TextState& state) { state.height = height; });
 }
 
-double AcDbText::rotation() const { return stateOf(this).rotation; }
+double AcDbText::rotation() const {
+    return stateOf(this).rotation;
+}
 
 Acad::ErrorStatus AcDbText::setRotation(double angle) {
     return changeText(this, std::isfinite(angle),
                       [&](TextState& state) { state.rotation = normalizeAngle(angle); });
 }
 
-double AcDbText::widthFactor() const { return stateOf(this).widthFactor; }
-double AcDbText::oblique() const { return stateOf(this).oblique; }
-int AcDbText::horizontalMode() const { return stateOf(this).horizontal; }
-int AcDbText::verticalMode() const { return stateOf(this).vertical; }
+double AcDbText::widthFactor() const {
+    return stateOf(this).widthFactor;
+}
+double AcDbText::oblique() const {
+    return stateOf(this).oblique;
+}
+int AcDbText::horizontalMode() const {
+    return stateOf(this).horizontal;
+}
+int AcDbText::verticalMode() const {
+    return stateOf(this).vertical;
+}
 
 Acad::ErrorStatus AcDbText::setHorizontalMode(int mode) {
     return changeText(this, mode >= 0 && mode <= kLastHorizontalMode,
@@ -178,11 +205,16 @@ Acad::ErrorStatus AcDbText::setVerticalMode(int mode) {
                       [&](TextState& state) { state.vertical = mode; });
 }
 
-AcGeVector3d AcDbText::normal() const { return stateOf(this).normal; }
-AcDbObjectId AcDbText::textStyle() const { return styleInUse(*this, stateOf(this).style); }
+AcGeVector3d AcDbText::normal() const {
+    return stateOf(this).normal;
+}
+AcDbObjectId AcDbText::textStyle() const {
+    return styleInUse(*this, stateOf(this).style);
+}
 
 Acad::ErrorStatus AcDbText::setTextStyle(AcDbObjectId style) {
-    if (const Acad::ErrorStatus status = checkTextStyle(style); status != Acad::eOk) return status;
+    if (const Acad::ErrorStatus status = checkTextStyle(style); status != Acad::eOk)
+        return status;
     return changeText(this, true, [&](TextState& state) { state.style = style; });
 }
 
@@ -192,9 +224,11 @@ Acad::ErrorStatus AcDbText::dxfOutFields(AcDbDxfFiler* filer) const {
 }
 
 Acad::ErrorStatus AcDbText::dxfInFields(AcDbDxfFiler* filer) {
-    if (const Acad::ErrorStatus status = AcDbEntity::dxfInFields(filer); status != Acad::eOk) return status;
+    if (const Acad::ErrorStatus status = AcDbEntity::dxfInFields(filer); status != Acad::eOk)
+        return status;
     auto* state = writeState<TextState>(this);
-    if (!state) return Acad::eNotOpenForWrite;
+    if (!state)
+        return Acad::eNotOpenForWrite;
     TextState filed(*state);
     if (const Acad::ErrorStatus status = readTextGroups(filer, filed, true); status != Acad::eOk)
         return status;
@@ -236,19 +270,24 @@ Acad::ErrorStatus AcDbText::subTransformBy(const AcGeMatrix3d& matrix) {
     const double c = std::cos(line.rotation), s = std::sin(line.rotation);
     const AcGeVector3d along = plane.x * c + plane.y * s, up = plane.y * c - plane.x * s;
     const std::optional<TextAxes> axes = transformedAxes(matrix, along, up, plane.z);
-    if (!axes) return Acad::eNonUniformScale;
+    if (!axes)
+        return Acad::eNonUniformScale;
     AcGePoint3d start = plane.toWorld(line.start);
-    if (axes->turnedX) start += along * line.advance;
-    if (axes->turnedY) start += up * line.height;
+    if (axes->turnedX)
+        start += along * line.advance;
+    if (axes->turnedY)
+        start += up * line.height;
     start = matrix * start;
-    if (!isFinite(start)) return Acad::eInvalidInput;
+    if (!isFinite(start))
+        return Acad::eInvalidInput;
 
     // The alignment point keeps its place in the text's own axes.
     const AcGeVector3d aside = plane.toWorld(old.alignment) - plane.toWorld(line.start);
     const AcGePoint3d alignment =
         start + (axes->x * aside.dotProduct(along) + axes->y * aside.dotProduct(up)) * axes->scale;
     auto* state = writeState<TextState>(this);
-    if (!state) return Acad::eNotOpenForWrite;
+    if (!state)
+        return Acad::eNotOpenForWrite;
     const PlaneAxes newPlane = planeAxes(axes->z);
     const bool hasAlignment = isJustified(*state);
     state->normal = newPlane.z;

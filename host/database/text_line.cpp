@@ -43,16 +43,16 @@ AcGeVector2d alignmentOffset(const TextLine& line, const TextState& state) {
     const text::InkBox& ink = line.ink;
     AcGeVector2d offset;
     switch (state.horizontal) {
-    case 1: offset.x = line.advance / 2; break;
-    case 2: offset.x = line.advance; break;
-    case TextState::kMiddle: return {(ink.minX + ink.maxX) / 2, (ink.minY + ink.maxY) / 2};
-    default: break;
+        case 1: offset.x = line.advance / 2; break;
+        case 2: offset.x = line.advance; break;
+        case TextState::kMiddle: return {(ink.minX + ink.maxX) / 2, (ink.minY + ink.maxY) / 2};
+        default: break;
     }
     switch (state.vertical) {
-    case 1: offset.y = -text::fontDescent(text::resolveFont(line.look.font)) * line.height; break;
-    case 2: offset.y = line.height / 2; break;
-    case 3: offset.y = line.height; break;
-    default: break;
+        case 1: offset.y = -text::fontDescent(text::resolveFont(line.look.font)) * line.height; break;
+        case 2: offset.y = line.height / 2; break;
+        case 3: offset.y = line.height; break;
+        default: break;
     }
     return offset;
 }

@@ -55,7 +55,7 @@ const TextStyleState& styleOf(const AcDbTextStyleTableRecord* record) {
     return readState<TextStyleState>(record);
 }
 
-} // namespace
+}  // namespace
 
 // TrueType family and flags stand in the extended data of the host's own application.
 void TextStyleState::extendedDataChanged() {

@@ -120,4 +120,4 @@ void TransactionManager::closeResident(const Resident& resident) {
     --openCounters().openObjects;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

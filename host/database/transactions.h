@@ -38,4 +38,4 @@ private:
     std::vector<std::unique_ptr<Level>> levels_;
 };
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -35,7 +35,7 @@ Acad::ErrorStatus writeRest(AcDbDxfFiler* filer, const std::vector<DxfGroup>& re
     return Acad::eOk;
 }
 
-} // namespace
+}  // namespace
 
 AcDbUnknownObject::AcDbUnknownObject() : AcDbObject(newImp<UnknownObjectState>()) {}
 

@@ -11,13 +11,14 @@ namespace drafthost {
 
 struct UnknownObjectState : ClonedState<UnknownObjectState, ObjectState> {
     std::wstring dxfName;
-    std::vector<DxfGroup> groups; // from the first subclass marker on, extended data left out
+    std::vector<DxfGroup> groups;  // from the first subclass marker on, extended data left out
 };
 
 struct UnknownEntityState : ClonedState<UnknownEntityState, EntityState> {
     std::wstring dxfName;
-    std::vector<DxfGroup> groups;          // behind the groups of AcDbEntity
-    std::vector<AcDbObjectId> subEntities; // vertices and the end of their sequence, when the entity has some
+    std::vector<DxfGroup> groups;  // behind the groups of AcDbEntity
+    std::vector<AcDbObjectId>
+        subEntities;  // vertices and the end of their sequence, when the entity has some
 
     void becomeCopy() override {
         EntityState::becomeCopy();
@@ -25,7 +26,7 @@ struct UnknownEntityState : ClonedState<UnknownEntityState, EntityState> {
     }
 };
 
-} // namespace drafthost
+}  // namespace drafthost
 
 class AcDbUnknownObject : public AcDbObject {
 public:

@@ -91,4 +91,4 @@ std::optional<editor::Answer> Document::evaluateTyped(const std::wstring& text) 
     return answer;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -32,7 +32,7 @@ struct ModuleFunction {
     Module* module = nullptr;
     short number = 0;
     std::wstring name;
-    int (*function)() = nullptr; // null: the module is sent kInvkSubrMsg
+    int (*function)() = nullptr;  // null: the module is sent kInvkSubrMsg
 };
 
 class Document final : public AcApDocument, public editor::PromptSurroundings {
@@ -92,8 +92,8 @@ private:
     std::vector<std::unique_ptr<ModuleFunction>> functions_;
     std::unique_ptr<lisp::Interpreter> interpreter_;
     std::unique_ptr<editor::CommandRunner> commands_;
-    int locks_ = 0;       // by lockDocument
-    int evaluations_ = 0; // LISP or commands that are running
+    int locks_ = 0;        // by lockDocument
+    int evaluations_ = 0;  // LISP or commands that are running
 };
 
 // While LISP or a command runs in a document.
@@ -108,4 +108,4 @@ private:
     Document& document_;
 };
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -29,7 +29,7 @@ struct FreeText {
     ~FreeText() { acutDelString(text); }
 };
 
-} // namespace
+}  // namespace
 
 DocumentManager::~DocumentManager() = default;
 
@@ -128,7 +128,7 @@ void DocumentManager::closeAll() {
         close(*documents_.back());
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 AcApDocumentIterator::~AcApDocumentIterator() = default;
 

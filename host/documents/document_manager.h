@@ -47,4 +47,4 @@ private:
     int newDrawings_ = 0;
 };
 
-} // namespace drafthost
+}  // namespace drafthost

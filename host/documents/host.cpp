@@ -23,7 +23,7 @@ void argumentsReleased(const resbuf* list) {
         instance()->calls().listReleased(list);
 }
 
-} // namespace
+}  // namespace
 
 Host::Host()
     : services_(*this), files_(services_), modules_(*this), calls_(*this), documents_(*this),
@@ -89,4 +89,4 @@ void endHost() {
     instance().reset();
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -41,7 +41,7 @@ public:
 
     // Diagnostics, on standard error.
     void warn(const std::wstring& message);
-    void log(const std::wstring& message); // with --verbose only
+    void log(const std::wstring& message);  // with --verbose only
     void setVerbose(bool verbose) { verbose_ = verbose; }
 
     // Ends the run: reports the reason, cancels what is running, and answers nothing from now on.
@@ -73,4 +73,4 @@ Host& theHost();
 // Closes all documents and unloads all modules.
 void endHost();
 
-} // namespace drafthost
+}  // namespace drafthost

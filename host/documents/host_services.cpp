@@ -22,7 +22,7 @@ std::wstring joined(std::wstring folder, std::wstring_view name) {
     return folder.append(name);
 }
 
-} // namespace
+}  // namespace
 
 std::wstring fullPath(std::wstring_view name) {
     const std::wstring given(name);
@@ -121,7 +121,7 @@ std::optional<std::filesystem::path> SupportFiles::resolveProgram(std::wstring_v
     return path ? std::optional<std::filesystem::path>(*path) : std::nullopt;
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 AcDbHostApplicationServices* acdbHostApplicationServices() {
     return &drafthost::theHost().services();

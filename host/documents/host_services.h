@@ -53,4 +53,4 @@ bool isFolder(const std::wstring& path);
 // Folder of a path, with the separator at its end; empty when it has none.
 std::wstring folderOf(std::wstring_view path);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -41,7 +41,7 @@ std::wstring fileNameOf(const std::wstring& path) {
     return path.substr(folderOf(path).size());
 }
 
-} // namespace
+}  // namespace
 
 std::wstring Module::fileName() const {
     return fileNameOf(path);
@@ -177,7 +177,7 @@ AcRx::AppRetCode Modules::send(Module& module, AcRx::AppMsgCode message, void* p
     return AcRx::kRetError;
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 using drafthost::theHost;
 

@@ -14,10 +14,10 @@ class Document;
 class Host;
 
 struct Module {
-    std::wstring path; // full
+    std::wstring path;  // full
     void* library = nullptr;
     AcrxEntryPoint* entryPoint = nullptr;
-    bool locked = true; // the drafter may not unload it
+    bool locked = true;  // the drafter may not unload it
     bool servesSeveralDocuments = false;
     std::wstring fileName() const;
 };
@@ -68,4 +68,4 @@ private:
     Module* running_ = nullptr;
 };
 
-} // namespace drafthost
+}  // namespace drafthost

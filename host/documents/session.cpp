@@ -274,11 +274,11 @@ private:
     const SessionOptions& options_;
     Host& host_;
     editor::LineReader lines_;
-    editor::ScriptedDrafter* drafter_ = nullptr; // owned by the host
+    editor::ScriptedDrafter* drafter_ = nullptr;  // owned by the host
     bool unbalanced_ = false;
 };
 
-} // namespace
+}  // namespace
 
 int runSession(const SessionOptions& options) {
     int status = kSessionFailed;
@@ -290,7 +290,7 @@ int runSession(const SessionOptions& options) {
     return status;
 }
 
-} // namespace drafthost
+}  // namespace drafthost
 
 int drafthostMain(int argumentCount, wchar_t** arguments) {
     using namespace drafthost;

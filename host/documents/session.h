@@ -10,11 +10,11 @@
 namespace drafthost {
 
 struct SessionOptions {
-    bool interactive = false; // repl
-    bool echo = false;        // repl: print what is read from standard input
+    bool interactive = false;  // repl
+    bool echo = false;         // repl: print what is read from standard input
     bool verbose = false;
     std::vector<std::wstring> modules, supportFolders, pictures, programs;
-    std::wstring open, answers, save, exportFile; // empty: none
+    std::wstring open, answers, save, exportFile;  // empty: none
 };
 
 // False for unusable arguments, for the reason in problem. arguments: without the program's name.
@@ -24,15 +24,15 @@ bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& 
 // Exit statuses.
 enum SessionStatus : int {
     kSessionDone = 0,
-    kSessionFailed = 1, // a program ended in an error, or a file could not be read or written
+    kSessionFailed = 1,  // a program ended in an error, or a file could not be read or written
     kSessionBadUsage = 2,
-    kSessionUnbalanced = 70, // something was left open, allocated or locked
+    kSessionUnbalanced = 70,  // something was left open, allocated or locked
 };
 int runSession(const SessionOptions& options);
 
 extern const wchar_t* const kUsage;
 
-} // namespace drafthost
+}  // namespace drafthost
 
 // What drafthost.exe does: parses the arguments and runs the session. Returns the exit status.
 extern "C" DRAFTHOST_API int drafthostMain(int argumentCount, wchar_t** arguments);

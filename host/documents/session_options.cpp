@@ -59,7 +59,7 @@ std::wstring checkTogether(const SessionOptions& options) {
     return {};
 }
 
-} // namespace
+}  // namespace
 
 bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& options,
                     std::wstring& problem) {
@@ -108,4 +108,4 @@ bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& 
     return problem.empty();
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -15,44 +15,44 @@ class SelectionSet;
 
 struct Answer {
     enum class Kind {
-        Typed, // a line of text that is still to be understood
-        Point, // in UCS coordinates
-        Move,  // the cursor moved without a click
-        Angle, // number: radians
+        Typed,  // a line of text that is still to be understood
+        Point,  // in UCS coordinates
+        Move,   // the cursor moved without a click
+        Angle,  // number: radians
         Real,
         Integer,
         Text,
-        Pick, // a click at an entity
+        Pick,  // a click at an entity
         Keyword,
-        Enter,  // an empty response
-        Cancel, // Esc
-        Window, // selection: corners in point and second
+        Enter,   // an empty response
+        Cancel,  // Esc
+        Window,  // selection: corners in point and second
         Crossing,
-        Add, // selection: one entity at a point
+        Add,  // selection: one entity at a point
         All,
         Done,
-        Entity, // named by a program
-        Set,    // a selection set given by a program
-        Press,  // a button of a dialog: text, or control
-        Type,   // text into a control
-        Check,  // on
-        Choose, // text of an entry
+        Entity,  // named by a program
+        Set,     // a selection set given by a program
+        Press,   // a button of a dialog: text, or control
+        Type,    // text into a control
+        Check,   // on
+        Choose,  // text of an entry
         GridRow,
         GridCell,
-        Exhausted, // nothing more will come
+        Exhausted,  // nothing more will come
     };
     Kind kind = Kind::Exhausted;
     AcGePoint3d point, second;
-    int dimension = 3; // of the point: 2 when no z was given
+    int dimension = 3;  // of the point: 2 when no z was given
     double number = 0;
     int integer = 0;
     bool on = false;
-    int control = 0; // dialog control id; 0: the button is named by its text
+    int control = 0;  // dialog control id; 0: the button is named by its text
     int row = 0, column = 0;
     std::wstring text;
     AcDbObjectId entity;
     std::shared_ptr<SelectionSet> set;
-    std::wstring origin; // "answers.txt line 3"; empty when nobody needs to be told
+    std::wstring origin;  // "answers.txt line 3"; empty when nobody needs to be told
 
     static Answer of(Kind kind) {
         Answer answer;
@@ -78,4 +78,4 @@ bool isForDialog(Answer::Kind kind);
 // How a command line shows the answer: "1.0,2.0", "Yes", empty for an empty response.
 std::wstring shownText(const Answer& answer);
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

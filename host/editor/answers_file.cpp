@@ -220,7 +220,7 @@ std::wstring parseLine(std::wstring_view line, Answer& answer) {
     return {};
 }
 
-} // namespace
+}  // namespace
 
 std::vector<Answer> parseAnswers(std::wstring_view text, const std::wstring& name,
                                  AnswersFileError& problem) {
@@ -285,4 +285,4 @@ bool ScriptedDrafter::refuse(const Answer& answer, const std::wstring& waitedFor
     return false;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

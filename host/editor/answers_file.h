@@ -40,7 +40,7 @@ private:
     std::function<void(const std::wstring&)> warn_, fail_;
     std::size_t position_ = 0;
     bool warned_ = false;
-    bool dialogWaits_ = false; // for the answer taken last
+    bool dialogWaits_ = false;  // for the answer taken last
 };
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -107,10 +107,10 @@ constexpr CommandDefinition kCommands[] = {
     {L"ROTATE", rotateEntities}, {L"SCALE", scaleEntities},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const CommandDefinition> changeCommands() {
     return kCommands;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

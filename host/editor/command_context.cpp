@@ -169,4 +169,4 @@ std::optional<int> colorIndex(std::wstring_view text) {
     return number && *number >= 0 && *number <= 256 ? number : std::nullopt;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

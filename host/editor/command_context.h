@@ -21,9 +21,9 @@ public:
     CommandContext(Document& document, std::wstring name) : document_(document), name_(std::move(name)) {}
 
     struct Reply {
-        bool given = false;   // false: an empty response
-        std::wstring keyword; // empty: a value
-        AcGePoint3d point;    // UCS
+        bool given = false;    // false: an empty response
+        std::wstring keyword;  // empty: a value
+        AcGePoint3d point;     // UCS
         double number = 0;
         int integer = 0;
         std::wstring text;
@@ -39,9 +39,9 @@ public:
     AcGePoint3d point(const wchar_t* prompt, std::optional<AcGePoint3d> base = std::nullopt);
     double distance(const wchar_t* prompt, std::optional<AcGePoint3d> base = std::nullopt);
     double angle(const wchar_t* prompt, std::optional<AcGePoint3d> base = std::nullopt);
-    std::wstring keyword(const wchar_t* prompt, const wchar_t* keywords); // empty: an empty response
+    std::wstring keyword(const wchar_t* prompt, const wchar_t* keywords);  // empty: an empty response
     std::wstring text(const wchar_t* prompt, bool allowBlanks = false);
-    std::vector<AcDbObjectId> selection(); // ends the command when nothing is selected
+    std::vector<AcDbObjectId> selection();  // ends the command when nothing is selected
 
     void print(const std::wstring& text);
     AcGeMatrix3d ucsToWorld() const;
@@ -68,4 +68,4 @@ private:
 // "red" or "1" to an index, 0 by block, 256 by layer; nothing for another text.
 std::optional<int> colorIndex(std::wstring_view text);
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -24,7 +24,7 @@ void writeHandle(DWORD handle, std::string_view bytes) {
     }
 }
 
-} // namespace
+}  // namespace
 
 CommandLine::CommandLine()
     : CommandLine([](std::string_view bytes) { writeHandle(STD_OUTPUT_HANDLE, bytes); }) {}
@@ -93,4 +93,4 @@ void reportOnStandardError(const std::wstring& message) {
     writeHandle(STD_ERROR_HANDLE, lisp::toUtf8(L"drafthost: " + message + L"\n"));
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -32,7 +32,7 @@ public:
 private:
     Sink sink_;
     std::string buffer_;
-    wchar_t pendingSurrogate_ = 0; // first half of a character whose second half is still to come
+    wchar_t pendingSurrogate_ = 0;  // first half of a character whose second half is still to come
     bool atLineStart_ = true;
     bool endedOutside_ = false;
 };
@@ -43,4 +43,4 @@ std::wstring formatted(const wchar_t* format, va_list arguments);
 // Diagnostics of the host itself: one line on standard error, behind all that was shown so far.
 void reportOnStandardError(const std::wstring& message);
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

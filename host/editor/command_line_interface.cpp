@@ -62,7 +62,7 @@ int copyOut(const std::wstring& text, ACHAR* result) {
     return RTNORM;
 }
 
-} // namespace
+}  // namespace
 
 int acutPrintf(const ACHAR* format, ...) {
     if (!format)

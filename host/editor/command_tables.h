@@ -13,4 +13,4 @@ std::span<const CommandDefinition> changeCommands();
 std::span<const CommandDefinition> layerCommands();
 std::span<const CommandDefinition> settingCommands();
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

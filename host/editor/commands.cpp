@@ -49,7 +49,7 @@ Answer adapted(Answer answer, const InputRequest& request) {
     return answer;
 }
 
-} // namespace
+}  // namespace
 
 // A command in progress, and the fiber it runs on.
 struct CommandRunner::Running {
@@ -57,7 +57,7 @@ struct CommandRunner::Running {
     const CommandDefinition* definition;
     std::wstring name;
     void* fiber = nullptr;
-    void* caller = nullptr; // the fiber that resumed it
+    void* caller = nullptr;  // the fiber that resumed it
     bool finished = false;
     bool cancelled = false;
     std::wstring failure = {};
@@ -77,9 +77,9 @@ public:
     explicit WordSource(CommandRunner& runner) : runner_(runner) {}
 
     std::deque<CommandWord> words;
-    bool drafterAnswers = false; // the program has ended, or it paused for this answer
+    bool drafterAnswers = false;  // the program has ended, or it paused for this answer
     bool cancelling = false;
-    bool refused = false; // a word did not fit
+    bool refused = false;  // a word did not fit
 
     Answer next(const InputRequest& request) override {
         paused_ = false;
@@ -265,4 +265,4 @@ void CommandRunner::cancel() {
     words_->cancelling = false;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

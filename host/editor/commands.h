@@ -25,7 +25,7 @@ class CommandContext;
 
 using CommandFunction = void (*)(CommandContext& context);
 struct CommandDefinition {
-    const wchar_t* name; // capitals
+    const wchar_t* name;  // capitals
     CommandFunction function;
 };
 // The table of commands (drawing_commands.cpp and others).
@@ -45,7 +45,7 @@ const CommandDefinition& variableCommand();
 class CommandRunner {
 public:
     explicit CommandRunner(Document& document);
-    ~CommandRunner(); // cancels
+    ~CommandRunner();  // cancels
     CommandRunner(const CommandRunner&) = delete;
     CommandRunner& operator=(const CommandRunner&) = delete;
 
@@ -79,7 +79,7 @@ private:
     std::unique_ptr<WordSource> words_;
     std::unique_ptr<Running> command_;
     bool onFiber_ = false;
-    const std::function<void()>* thread_ = nullptr; // what the command wants run on the thread's stack
+    const std::function<void()>* thread_ = nullptr;  // what the command wants run on the thread's stack
 };
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

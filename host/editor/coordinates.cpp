@@ -43,41 +43,37 @@ std::optional<AcGeMatrix3d> systemToWorld(const resbuf* node, const AcDbDatabase
     if (!node)
         return std::nullopt;
     switch (node->restype) {
-    case RTSHORT:
-    case RTLONG:
-        switch (node->resval.rlong) {
-        case kWorld:
-            return AcGeMatrix3d::kIdentity;
-        // The view is a plan view of the current coordinate system.
-        case kUcs:
-        case kDisplay:
-        case kPaper:
-            return ucsToWorld(database);
-        default:
-            return std::nullopt;
+        case RTSHORT:
+        case RTLONG:
+            switch (node->resval.rlong) {
+                case kWorld: return AcGeMatrix3d::kIdentity;
+                // The view is a plan view of the current coordinate system.
+                case kUcs:
+                case kDisplay:
+                case kPaper: return ucsToWorld(database);
+                default: return std::nullopt;
+            }
+        case RT3DPOINT:
+        case RTPOINT: {
+            const ads_real* const p = node->resval.rpoint;
+            const AcGeVector3d normal(p[0], p[1], node->restype == RTPOINT ? 0 : p[2]);
+            if (normal.isZeroLength())
+                return std::nullopt;
+            return AcGeMatrix3d::planeToWorld(normal);
         }
-    case RT3DPOINT:
-    case RTPOINT: {
-        const ads_real* const p = node->resval.rpoint;
-        const AcGeVector3d normal(p[0], p[1], node->restype == RTPOINT ? 0 : p[2]);
-        if (normal.isZeroLength())
-            return std::nullopt;
-        return AcGeMatrix3d::planeToWorld(normal);
-    }
-    case RTENAME: {
-        AcDbObjectId id;
-        if (acdbGetObjectId(id, node->resval.rlname) != Acad::eOk)
-            return std::nullopt;
-        return AcGeMatrix3d::planeToWorld(entityNormal(id));
-    }
-    default:
-        return std::nullopt;
+        case RTENAME: {
+            AcDbObjectId id;
+            if (acdbGetObjectId(id, node->resval.rlname) != Acad::eOk)
+                return std::nullopt;
+            return AcGeMatrix3d::planeToWorld(entityNormal(id));
+        }
+        default: return std::nullopt;
     }
 }
 
-} // namespace
+}  // namespace
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor
 
 int acedTrans(const ads_point point, const resbuf* from, const resbuf* to, int displacement,
               ads_point result) {

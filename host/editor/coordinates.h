@@ -9,4 +9,4 @@ namespace drafthost::editor {
 // From the coordinates that the drafter works in to world coordinates.
 AcGeMatrix3d ucsToWorld(const AcDbDatabase& database);
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -192,10 +192,10 @@ constexpr CommandDefinition kCommands[] = {
     {L"LINE", drawLine}, {L"PLINE", drawPolyline}, {L"TEXT", drawText},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const CommandDefinition> drawCommands() {
     return kCommands;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

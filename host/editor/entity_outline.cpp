@@ -13,7 +13,7 @@ namespace drafthost::editor {
 namespace {
 
 constexpr double kChordAngle = std::numbers::pi / 48;
-constexpr int kDeepestNesting = 64; // of blocks: a drawing cannot make the host run out of stack
+constexpr int kDeepestNesting = 64;  // of blocks: a drawing cannot make the host run out of stack
 
 // Takes drawing calls; colours and linetypes do not matter.
 class Collector final : public AcGiWorldDraw, public AcGiWorldGeometry, public AcGiSubEntityTraits {
@@ -198,7 +198,7 @@ bool lineTouches(const std::vector<AcGePoint2d>& line, const Region& region) {
     return (!region.fence && isInside(region.corners, line.front())) || meetsBorder(line, region);
 }
 
-} // namespace
+}  // namespace
 
 Outline outlineOf(AcDbEntity& entity) {
     Collector collector;
@@ -241,4 +241,4 @@ bool touches(const Outline& outline, const Region& region) {
            });
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -10,8 +10,8 @@
 namespace drafthost::editor {
 
 struct Outline {
-    std::vector<std::vector<AcGePoint2d>> lines; // open or closed; a single point is a dot
-    std::vector<std::vector<AcGePoint2d>> areas; // closed: hit inside too
+    std::vector<std::vector<AcGePoint2d>> lines;  // open or closed; a single point is a dot
+    std::vector<std::vector<AcGePoint2d>> areas;  // closed: hit inside too
     bool empty() const { return lines.empty() && areas.empty(); }
 };
 
@@ -32,4 +32,4 @@ bool liesInside(const Outline& outline, const Region& region);
 // Something lies inside the region or crosses its border.
 bool touches(const Outline& outline, const Region& region);
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

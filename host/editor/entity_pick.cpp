@@ -54,7 +54,7 @@ std::vector<AcDbObjectId> entitiesOf(AcDbObjectId block) {
     return entities;
 }
 
-} // namespace
+}  // namespace
 
 double pickTolerance(const AcDbDatabase& database) {
     AcDbExtents extents;
@@ -135,4 +135,4 @@ NestedPick nestedAt(const Document& document, AcDbObjectId entity, const AcGePoi
     }
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

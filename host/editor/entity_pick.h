@@ -26,7 +26,7 @@ AcDbObjectId entityAt(const Document& document, const AcGePoint3d& point);
 std::vector<AcDbObjectId> visibleEntities(const AcDbDatabase& database);
 
 struct EntityPick {
-    int status = 0; // as acedEntSel: RTNORM, RTERROR (nothing there, or an empty response), RTCAN, RTKWORD
+    int status = 0;  // as acedEntSel: RTNORM, RTERROR (nothing there, or an empty response), RTCAN, RTKWORD
     AcDbObjectId entity;
     AcGePoint3d point;
 };
@@ -38,8 +38,8 @@ EntityPick askEntity(Document& document, const std::wstring& prompt);
 struct NestedPick {
     AcDbObjectId part;
     std::vector<AcDbObjectId> parents;
-    AcGeMatrix3d toWorld; // from the part's block
+    AcGeMatrix3d toWorld;  // from the part's block
 };
 NestedPick nestedAt(const Document& document, AcDbObjectId entity, const AcGePoint3d& point);
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

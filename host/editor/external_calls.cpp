@@ -65,4 +65,4 @@ Value ExternalCalls::call(Document& document, const ModuleFunction& function, li
     return call.result.get();
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

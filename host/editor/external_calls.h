@@ -12,7 +12,7 @@ namespace drafthost {
 class Document;
 class Host;
 struct ModuleFunction;
-} // namespace drafthost
+}  // namespace drafthost
 
 namespace drafthost::editor {
 
@@ -30,7 +30,7 @@ public:
         lisp::Arguments arguments;
         short number;
         lisp::Root result;
-        resbuf* argumentList = nullptr; // handed out and not yet released
+        resbuf* argumentList = nullptr;  // handed out and not yet released
         Call* outer;
     };
     // The innermost running call; null for none.
@@ -47,4 +47,4 @@ private:
     Call* running_ = nullptr;
 };
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

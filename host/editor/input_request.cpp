@@ -63,11 +63,11 @@ constexpr Complaint kComplaints[] = {
     {L"Invalid input.", L"Invalid input."},
 };
 
-} // namespace
+}  // namespace
 
 Keywords::Keywords(std::wstring_view list) {
     std::wistringstream words{std::wstring(list)};
-    std::size_t globals = std::wstring::npos; // entries before the first underscore
+    std::size_t globals = std::wstring::npos;  // entries before the first underscore
     std::size_t global = 0;
     for (std::wstring word; words >> word;) {
         if (globals == std::wstring::npos && word.size() > 1 && word[0] == L'_') {
@@ -127,4 +127,4 @@ std::wstring complaint(const InputRequest& request) {
     return request.keywords.empty() ? row.plain : row.withKeywords;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -28,8 +28,8 @@ public:
 private:
     struct Entry {
         std::wstring name;
-        std::wstring abbreviation; // empty: the capitals of the name
-        std::wstring result;       // what programs get
+        std::wstring abbreviation;  // empty: the capitals of the name
+        std::wstring result;        // what programs get
     };
     std::vector<Entry> entries_;
 };
@@ -51,11 +51,11 @@ struct InputRequest {
     };
     Kind kind = Kind::Text;
     std::wstring prompt;
-    int control = 0; // InputControl bits
+    int control = 0;  // InputControl bits
     Keywords keywords;
     std::optional<AcGePoint3d> base;
-    bool allowBlanks = false; // Text: a blank does not end it
-    bool tracking = false;    // Cursor: movements count too
+    bool allowBlanks = false;  // Text: a blank does not end it
+    bool tracking = false;     // Cursor: movements count too
 };
 
 // What is waited for, for messages: "an integer", "a point or a keyword (Yes/No)".
@@ -68,7 +68,7 @@ std::wstring complaint(const InputRequest& request);
 struct BoxRequest {
     std::wstring caption;
     std::wstring text;
-    std::vector<std::wstring> buttons; // without "&"
+    std::vector<std::wstring> buttons;  // without "&"
 };
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

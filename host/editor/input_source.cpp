@@ -16,4 +16,4 @@ Answer EmptySource::nextForBox(const BoxRequest& box) {
     return Answer::of(Answer::Kind::Exhausted);
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

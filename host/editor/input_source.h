@@ -45,4 +45,4 @@ private:
     bool warned_ = false;
 };
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -196,10 +196,10 @@ void layerCommand(CommandContext& context) {
 
 constexpr CommandDefinition kCommands[] = {{L"LAYER", layerCommand}};
 
-} // namespace
+}  // namespace
 
 std::span<const CommandDefinition> layerCommands() {
     return kCommands;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -73,7 +73,7 @@ bool isOneList(const resbuf* list) {
     return false;
 }
 
-} // namespace
+}  // namespace
 
 int acedDefun(const ACHAR* name, short number) {
     Document* const document = theHost().documents().current();

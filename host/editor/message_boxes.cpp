@@ -13,7 +13,7 @@ namespace {
 
 constexpr UINT kTimerMilliseconds = 10;
 constexpr const wchar_t* kDialogClass = L"#32770";
-constexpr int kStaticText = 0xFFFF; // control id of a message box's text
+constexpr int kStaticText = 0xFFFF;  // control id of a message box's text
 
 MessageBoxes* installed = nullptr;
 
@@ -105,7 +105,7 @@ void CALLBACK answerOnTimer(HWND, UINT, UINT_PTR, DWORD) {
         installed->answerTopBox();
 }
 
-} // namespace
+}  // namespace
 
 MessageBoxes::MessageBoxes(Host& host) : host_(host) {
     installed = this;
@@ -156,4 +156,4 @@ void MessageBoxes::answerTopBox() {
     answering_ = false;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -36,4 +36,4 @@ private:
     bool answering_ = false;
 };
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -81,43 +81,39 @@ std::optional<InputResult> fromNumber(const InputRequest& request, const Answer&
 
 std::optional<InputResult> fromSelectionAnswer(const Answer& answer) {
     switch (answer.kind) {
-    case Answer::Kind::Window:
-    case Answer::Kind::Crossing:
-    case Answer::Kind::Add:
-    case Answer::Kind::Pick:
-    case Answer::Kind::Point:
-    case Answer::Kind::Entity:
-    case Answer::Kind::Set:
-    case Answer::Kind::Typed:
-    case Answer::Kind::All:
-        return ofStatus(RTNORM, answer);
-    case Answer::Kind::Done:
-        return ofStatus(RTNONE, answer);
-    default:
-        return std::nullopt;
+        case Answer::Kind::Window:
+        case Answer::Kind::Crossing:
+        case Answer::Kind::Add:
+        case Answer::Kind::Pick:
+        case Answer::Kind::Point:
+        case Answer::Kind::Entity:
+        case Answer::Kind::Set:
+        case Answer::Kind::Typed:
+        case Answer::Kind::All: return ofStatus(RTNORM, answer);
+        case Answer::Kind::Done: return ofStatus(RTNONE, answer);
+        default: return std::nullopt;
     }
 }
 
 std::optional<InputResult> fromCursorAnswer(const InputRequest& request, const Answer& answer) {
     switch (answer.kind) {
-    case Answer::Kind::Move:
-        if (!request.tracking)
-            return std::nullopt;
-        [[fallthrough]];
-    case Answer::Kind::Point:
-    case Answer::Kind::Text:
-    case Answer::Kind::Keyword:
-    case Answer::Kind::Typed: {
-        InputResult result = ofText(RTNORM, answer, answer.text);
-        result.point = answer.point;
-        return result;
-    }
-    default:
-        return std::nullopt;
+        case Answer::Kind::Move:
+            if (!request.tracking)
+                return std::nullopt;
+            [[fallthrough]];
+        case Answer::Kind::Point:
+        case Answer::Kind::Text:
+        case Answer::Kind::Keyword:
+        case Answer::Kind::Typed: {
+            InputResult result = ofText(RTNORM, answer, answer.text);
+            result.point = answer.point;
+            return result;
+        }
+        default: return std::nullopt;
     }
 }
 
-} // namespace
+}  // namespace
 
 void Prompts::initGet(int control, std::wstring_view keywords) {
     control_ = control;
@@ -184,24 +180,20 @@ std::optional<InputResult> Prompts::interpretEmpty(const InputRequest& request, 
 std::optional<InputResult> Prompts::interpret(const InputRequest& request, const Answer& answer,
                                               std::wstring& complaint) {
     switch (answer.kind) {
-    case Answer::Kind::Cancel:
-        return ofStatus(RTCAN, answer);
-    case Answer::Kind::Enter:
-    case Answer::Kind::Exhausted:
-        return interpretEmpty(request, answer);
-    case Answer::Kind::Typed:
-        return interpretTyped(request, answer, complaint);
-    case Answer::Kind::Keyword:
-        if (request.kind == Kind::Cursor)
-            break;
-        if (const auto keyword = request.keywords.match(answer.text)) {
-            return ofText(request.kind == Kind::Keyword ? RTNORM : RTKWORD, answer, *keyword);
-        }
-        if (request.control & RSG_OTHER)
-            return ofText(RTKWORD, answer, answer.text);
-        return std::nullopt;
-    default:
-        break;
+        case Answer::Kind::Cancel: return ofStatus(RTCAN, answer);
+        case Answer::Kind::Enter:
+        case Answer::Kind::Exhausted: return interpretEmpty(request, answer);
+        case Answer::Kind::Typed: return interpretTyped(request, answer, complaint);
+        case Answer::Kind::Keyword:
+            if (request.kind == Kind::Cursor)
+                break;
+            if (const auto keyword = request.keywords.match(answer.text)) {
+                return ofText(request.kind == Kind::Keyword ? RTNORM : RTKWORD, answer, *keyword);
+            }
+            if (request.control & RSG_OTHER)
+                return ofText(RTKWORD, answer, answer.text);
+            return std::nullopt;
+        default: break;
     }
     if (request.kind == Kind::Selection)
         return fromSelectionAnswer(answer);
@@ -330,4 +322,4 @@ std::optional<InputResult> Prompts::interpretTyped(const InputRequest& request, 
     return std::nullopt;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -13,13 +13,13 @@
 namespace drafthost::editor {
 
 struct InputResult {
-    int status = RTNONE; // RTNORM, RTNONE, RTCAN or RTKWORD, as acedGet... answers
+    int status = RTNONE;  // RTNORM, RTNONE, RTCAN or RTKWORD, as acedGet... answers
     AcGePoint3d point = {};
     int dimension = 3;
     double number = 0;
     int integer = 0;
-    std::wstring text = {}; // keyword or text
-    Answer answer = {};     // as given, for selection, picks and the cursor
+    std::wstring text = {};  // keyword or text
+    Answer answer = {};      // as given, for selection, picks and the cursor
 };
 
 // What prompts need of the document they run in.
@@ -31,7 +31,7 @@ public:
     // The run is being ended or the drafter pressed Ctrl-C: nothing is asked any more.
     virtual bool stopped() const = 0;
     virtual AcGeMatrix3d worldToUcs() const = 0;
-    virtual double angleBase() const = 0; // ANGBASE, radians
+    virtual double angleBase() const = 0;  // ANGBASE, radians
     // An expression or !variable typed as an answer; nothing when it failed or has no use as one.
     virtual std::optional<Answer> evaluateTyped(const std::wstring& text) = 0;
 };
@@ -70,4 +70,4 @@ private:
     AcGePoint3d lastPoint_;
 };
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -21,7 +21,7 @@ using Ids = std::vector<AcDbObjectId>;
 
 // "_W:S" taken apart.
 struct Mode {
-    std::wstring method; // upper case
+    std::wstring method;  // upper case
     bool single = false, unlockedOnly = false;
 
     explicit Mode(const std::wstring& text) {
@@ -231,28 +231,19 @@ private:
 
     Taken take(const Answer& answer, Ids& found, bool& removing) {
         switch (answer.kind) {
-        case Answer::Kind::Window:
-        case Answer::Kind::Crossing:
-            found = inRegion(rectangle(answer.point, answer.second), answer.kind == Answer::Kind::Crossing);
-            return Taken::Entities;
-        case Answer::Kind::Add:
-        case Answer::Kind::Pick:
-        case Answer::Kind::Point:
-            found = at(answer.point);
-            return Taken::Entities;
-        case Answer::Kind::All:
-            found = visibleEntities(*document_.database());
-            return Taken::Entities;
-        case Answer::Kind::Entity:
-            found = {answer.entity};
-            return Taken::Entities;
-        case Answer::Kind::Set:
-            found = membersOf(answer.set);
-            return Taken::Entities;
-        case Answer::Kind::Typed:
-            return takeTyped(answer.text, found, removing);
-        default:
-            return Taken::Nothing;
+            case Answer::Kind::Window:
+            case Answer::Kind::Crossing:
+                found =
+                    inRegion(rectangle(answer.point, answer.second), answer.kind == Answer::Kind::Crossing);
+                return Taken::Entities;
+            case Answer::Kind::Add:
+            case Answer::Kind::Pick:
+            case Answer::Kind::Point: found = at(answer.point); return Taken::Entities;
+            case Answer::Kind::All: found = visibleEntities(*document_.database()); return Taken::Entities;
+            case Answer::Kind::Entity: found = {answer.entity}; return Taken::Entities;
+            case Answer::Kind::Set: found = membersOf(answer.set); return Taken::Entities;
+            case Answer::Kind::Typed: return takeTyped(answer.text, found, removing);
+            default: return Taken::Nothing;
         }
     }
 
@@ -327,10 +318,10 @@ private:
     AcGeMatrix3d toWorld_;
 };
 
-} // namespace
+}  // namespace
 
 SelectResult select(Document& document, const SelectRequest& request) {
     return Selector(document, request).run();
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

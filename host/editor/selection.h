@@ -19,15 +19,15 @@ struct SelectRequest {
     // behind a colon stand S (one selection only), L (not on locked layers), $ (own prompts), K (keywords)
     // and E (ignored).
     std::wstring mode;
-    std::vector<AcGePoint3d> points; // UCS
+    std::vector<AcGePoint3d> points;  // UCS
     SelectionFilter filter;
-    std::wstring addPrompt, removePrompt; // empty: the host's own
+    std::wstring addPrompt, removePrompt;  // empty: the host's own
     std::wstring keywords;
 };
 struct SelectResult {
-    int status = RTERROR;              // RTNORM, RTERROR (nothing selected, unknown mode), RTCAN
-    std::shared_ptr<SelectionSet> set; // of RTNORM
+    int status = RTERROR;               // RTNORM, RTERROR (nothing selected, unknown mode), RTCAN
+    std::shared_ptr<SelectionSet> set;  // of RTNORM
 };
 SelectResult select(Document& document, const SelectRequest& request);
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

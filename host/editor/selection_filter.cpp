@@ -92,15 +92,15 @@ DxfGroup leftOut(short code) {
     return {code, std::wstring()};
 }
 
-} // namespace
+}  // namespace
 
 struct SelectionFilter::Test {
     Combination combination = Combination::All;
-    std::vector<Test> parts; // of a combination
+    std::vector<Test> parts;  // of a combination
     bool isGroup = false;
-    DxfGroup group;                         // wanted
-    std::vector<std::wstring> relation;     // empty: equal
-    std::vector<std::wstring> applications; // patterns; of a test for extended data
+    DxfGroup group;                          // wanted
+    std::vector<std::wstring> relation;      // empty: equal
+    std::vector<std::wstring> applications;  // patterns; of a test for extended data
 
     bool holds(const class EntityData& data) const;
 };
@@ -230,7 +230,7 @@ bool hasApplications(const EntityData& data, const std::vector<std::wstring>& pa
     });
 }
 
-} // namespace
+}  // namespace
 
 bool SelectionFilter::Test::holds(const EntityData& data) const {
     if (!applications.empty())
@@ -240,14 +240,10 @@ bool SelectionFilter::Test::holds(const EntityData& data) const {
     const auto count =
         std::count_if(parts.begin(), parts.end(), [&](const Test& part) { return part.holds(data); });
     switch (combination) {
-    case Combination::All:
-        return static_cast<std::size_t>(count) == parts.size();
-    case Combination::Any:
-        return count > 0;
-    case Combination::Odd:
-        return count % 2 == 1;
-    case Combination::None:
-        return count == 0;
+        case Combination::All: return static_cast<std::size_t>(count) == parts.size();
+        case Combination::Any: return count > 0;
+        case Combination::Odd: return count % 2 == 1;
+        case Combination::None: return count == 0;
     }
     return false;
 }
@@ -368,7 +364,7 @@ private:
     std::wstring problem_;
 };
 
-} // namespace
+}  // namespace
 
 SelectionFilter::SelectionFilter() = default;
 SelectionFilter::~SelectionFilter() = default;
@@ -393,4 +389,4 @@ bool SelectionFilter::matches(AcDbObjectId entity) const {
     return data.hasObject() && (!root_ || root_->holds(data));
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -31,7 +31,7 @@ public:
     struct Test;
 
 private:
-    std::unique_ptr<Test> root_; // null: everything matches
+    std::unique_ptr<Test> root_;  // null: everything matches
 };
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -72,7 +72,7 @@ AcDbObjectId idOf(const ads_name name) {
     return acdbGetObjectId(id, name) == Acad::eOk ? id : AcDbObjectId();
 }
 
-} // namespace
+}  // namespace
 
 int acedSSGet(const ACHAR* mode, const void* point1, const void* point2, const resbuf* filter,
               ads_name selection) {

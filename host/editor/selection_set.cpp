@@ -9,7 +9,7 @@ namespace {
 // Second word of a selection set's name, which no entity name has.
 constexpr std::int64_t kNameMark = 0x53534554;
 
-} // namespace
+}  // namespace
 
 bool SelectionSet::add(AcDbObjectId id) {
     if (!known_.insert(id).second)
@@ -56,4 +56,4 @@ void SelectionSets::forgetDocument(const Document& document) {
     std::erase_if(held_, [&](const auto& entry) { return entry.second->document() == &document; });
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -26,8 +26,8 @@ public:
     const Document* document() const { return document_; }
     const std::vector<AcDbObjectId>& members() const { return members_; }
     bool contains(AcDbObjectId id) const { return known_.contains(id); }
-    bool add(AcDbObjectId id);    // false: it was there
-    bool remove(AcDbObjectId id); // false: it was not there
+    bool add(AcDbObjectId id);     // false: it was there
+    bool remove(AcDbObjectId id);  // false: it was not there
 
 private:
     int number_;
@@ -56,4 +56,4 @@ private:
     std::unordered_map<int, std::shared_ptr<SelectionSet>> held_;
 };
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -145,7 +145,7 @@ constexpr CommandDefinition kCommands[] = {
 };
 constexpr CommandDefinition kVariable = {L"", variableOfThatName};
 
-} // namespace
+}  // namespace
 
 std::span<const CommandDefinition> settingCommands() {
     return kCommands;
@@ -165,4 +165,4 @@ std::vector<CommandDefinition> allCommands() {
     return all;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -9,7 +9,7 @@ namespace {
 // Where to go on after a fault; one a running call, the innermost first. Of the host's main thread, which is
 // the only one that calls modules.
 struct ResumePoint {
-    void* registers[5]; // __builtin_setjmp
+    void* registers[5];  // __builtin_setjmp
     ResumePoint* outer;
     DWORD thread;
     std::uint32_t fault;
@@ -22,16 +22,14 @@ ResumePoint* innermost = nullptr;
 
 bool isCaught(DWORD code) {
     switch (code) {
-    case EXCEPTION_ACCESS_VIOLATION:
-    case EXCEPTION_DATATYPE_MISALIGNMENT:
-    case EXCEPTION_INT_DIVIDE_BY_ZERO:
-    case EXCEPTION_INT_OVERFLOW:
-    case EXCEPTION_FLT_DIVIDE_BY_ZERO:
-    case EXCEPTION_FLT_INVALID_OPERATION:
-    case EXCEPTION_IN_PAGE_ERROR:
-        return true;
-    default:
-        return false;
+        case EXCEPTION_ACCESS_VIOLATION:
+        case EXCEPTION_DATATYPE_MISALIGNMENT:
+        case EXCEPTION_INT_DIVIDE_BY_ZERO:
+        case EXCEPTION_INT_OVERFLOW:
+        case EXCEPTION_FLT_DIVIDE_BY_ZERO:
+        case EXCEPTION_FLT_INVALID_OPERATION:
+        case EXCEPTION_IN_PAGE_ERROR: return true;
+        default: return false;
     }
 }
 
@@ -69,7 +67,7 @@ public:
         result = function();
 }
 
-} // namespace
+}  // namespace
 
 std::uint32_t callCatchingFaults(int (*function)(), int& result) {
     ResumePoint point;
@@ -80,17 +78,12 @@ std::uint32_t callCatchingFaults(int (*function)(), int& result) {
 
 const wchar_t* faultName(std::uint32_t code) {
     switch (code) {
-    case EXCEPTION_ACCESS_VIOLATION:
-        return L"access violation";
-    case EXCEPTION_INT_DIVIDE_BY_ZERO:
-        return L"integer division by zero";
-    case EXCEPTION_INT_OVERFLOW:
-        return L"integer overflow";
-    case EXCEPTION_FLT_DIVIDE_BY_ZERO:
-        return L"division by zero";
-    default:
-        return L"processor fault";
+        case EXCEPTION_ACCESS_VIOLATION: return L"access violation";
+        case EXCEPTION_INT_DIVIDE_BY_ZERO: return L"integer division by zero";
+        case EXCEPTION_INT_OVERFLOW: return L"integer overflow";
+        case EXCEPTION_FLT_DIVIDE_BY_ZERO: return L"division by zero";
+        default: return L"processor fault";
     }
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

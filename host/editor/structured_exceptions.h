@@ -18,4 +18,4 @@ std::uint32_t callCatchingFaults(int (*function)(), int& result);
 // "access violation", "integer division by zero"...
 const wchar_t* faultName(std::uint32_t code);
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -40,16 +40,11 @@ std::wstring headerName(const VariableRow& row) {
 
 VariableValue defaultOf(const VariableRow& row) {
     switch (row.type) {
-    case VariableType::Integer:
-        return static_cast<int>(row.number);
-    case VariableType::Real:
-        return row.number;
-    case VariableType::Text:
-        return std::wstring(row.text ? row.text : L"");
-    case VariableType::Point:
-        return AcGePoint3d(row.number, row.number, 0);
-    case VariableType::Point2:
-        return AcGePoint2d(row.number, row.number);
+        case VariableType::Integer: return static_cast<int>(row.number);
+        case VariableType::Real: return row.number;
+        case VariableType::Text: return std::wstring(row.text ? row.text : L"");
+        case VariableType::Point: return AcGePoint3d(row.number, row.number, 0);
+        case VariableType::Point2: return AcGePoint2d(row.number, row.number);
     }
     return 0;
 }
@@ -61,30 +56,30 @@ std::optional<VariableValue> fromHeader(const Document& document, const Variable
         return std::nullopt;
     const DxfValue& value = groups.front().value;
     switch (row.type) {
-    case VariableType::Integer:
-        if (const auto* number = std::get_if<std::int64_t>(&value))
-            return static_cast<int>(*number);
-        break;
-    case VariableType::Real:
-        if (const auto* number = std::get_if<double>(&value))
-            return *number;
-        break;
-    case VariableType::Text:
-        if (const auto* text = std::get_if<std::wstring>(&value))
-            return *text;
-        break;
-    case VariableType::Point:
-        if (const auto* point = std::get_if<AcGePoint3d>(&value))
-            return *point;
-        if (const auto* point = std::get_if<AcGePoint2d>(&value))
-            return AcGePoint3d(point->x, point->y, 0);
-        break;
-    case VariableType::Point2:
-        if (const auto* point = std::get_if<AcGePoint3d>(&value))
-            return point->convert2d();
-        if (const auto* point = std::get_if<AcGePoint2d>(&value))
-            return *point;
-        break;
+        case VariableType::Integer:
+            if (const auto* number = std::get_if<std::int64_t>(&value))
+                return static_cast<int>(*number);
+            break;
+        case VariableType::Real:
+            if (const auto* number = std::get_if<double>(&value))
+                return *number;
+            break;
+        case VariableType::Text:
+            if (const auto* text = std::get_if<std::wstring>(&value))
+                return *text;
+            break;
+        case VariableType::Point:
+            if (const auto* point = std::get_if<AcGePoint3d>(&value))
+                return *point;
+            if (const auto* point = std::get_if<AcGePoint2d>(&value))
+                return AcGePoint3d(point->x, point->y, 0);
+            break;
+        case VariableType::Point2:
+            if (const auto* point = std::get_if<AcGePoint3d>(&value))
+                return point->convert2d();
+            if (const auto* point = std::get_if<AcGePoint2d>(&value))
+                return *point;
+            break;
     }
     return std::nullopt;
 }
@@ -112,27 +107,27 @@ std::optional<VariableValue> converted(const VariableRow& row, const VariableVal
     const auto* integer = std::get_if<int>(&value);
     const auto* real = std::get_if<double>(&value);
     switch (row.type) {
-    case VariableType::Integer:
-        if (integer)
-            return value;
-        if (real && *real == std::floor(*real) && std::abs(*real) <= std::numeric_limits<int>::max()) {
-            return static_cast<int>(*real);
-        }
-        return std::nullopt;
-    case VariableType::Real:
-        if (real)
-            return value;
-        return integer ? std::optional<VariableValue>(static_cast<double>(*integer)) : std::nullopt;
-    case VariableType::Text:
-        return std::holds_alternative<std::wstring>(value) ? std::optional(value) : std::nullopt;
-    case VariableType::Point:
-        if (const auto* flat = std::get_if<AcGePoint2d>(&value))
-            return AcGePoint3d(flat->x, flat->y, 0);
-        return std::holds_alternative<AcGePoint3d>(value) ? std::optional(value) : std::nullopt;
-    case VariableType::Point2:
-        if (const auto* point = std::get_if<AcGePoint3d>(&value))
-            return point->convert2d();
-        return std::holds_alternative<AcGePoint2d>(value) ? std::optional(value) : std::nullopt;
+        case VariableType::Integer:
+            if (integer)
+                return value;
+            if (real && *real == std::floor(*real) && std::abs(*real) <= std::numeric_limits<int>::max()) {
+                return static_cast<int>(*real);
+            }
+            return std::nullopt;
+        case VariableType::Real:
+            if (real)
+                return value;
+            return integer ? std::optional<VariableValue>(static_cast<double>(*integer)) : std::nullopt;
+        case VariableType::Text:
+            return std::holds_alternative<std::wstring>(value) ? std::optional(value) : std::nullopt;
+        case VariableType::Point:
+            if (const auto* flat = std::get_if<AcGePoint2d>(&value))
+                return AcGePoint3d(flat->x, flat->y, 0);
+            return std::holds_alternative<AcGePoint3d>(value) ? std::optional(value) : std::nullopt;
+        case VariableType::Point2:
+            if (const auto* point = std::get_if<AcGePoint3d>(&value))
+                return point->convert2d();
+            return std::holds_alternative<AcGePoint2d>(value) ? std::optional(value) : std::nullopt;
     }
     return std::nullopt;
 }
@@ -151,7 +146,7 @@ VariableStore& storeOf(const Document& document, const VariableRow& row) {
     return row.place == VariablePlace::Session ? owner.host().variables() : owner.variables();
 }
 
-} // namespace
+}  // namespace
 
 std::optional<VariableValue> getVariable(const Document& document, std::wstring_view name) {
     const VariableRow* const row = findRow(name);
@@ -227,4 +222,4 @@ std::vector<std::wstring> variableNames() {
     return names;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -23,7 +23,7 @@ using VariableValue = std::variant<int, double, std::wstring, AcGePoint3d, AcGeP
 // Values set so far, of the session or of one document. Others have their default.
 class VariableStore {
 public:
-    const VariableValue* find(std::wstring_view name) const; // name in capitals
+    const VariableValue* find(std::wstring_view name) const;  // name in capitals
     void set(std::wstring_view name, VariableValue value) { values_[std::wstring(name)] = std::move(value); }
 
 private:
@@ -46,4 +46,4 @@ std::optional<VariableValue> typedValue(const VariableValue& example, const std:
 // Names of all variables, sorted as in the table.
 std::vector<std::wstring> variableNames();
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

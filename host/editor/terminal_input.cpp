@@ -33,7 +33,7 @@ std::optional<std::string> readBlockLine(std::string& pending, bool& ended) {
     }
 }
 
-} // namespace
+}  // namespace
 
 LineReader::LineReader() : reader_([this] { return readBlockLine(pending_, ended_); }) {}
 
@@ -93,4 +93,4 @@ bool TerminalInput::refuse(const Answer&, const std::wstring&, const std::wstrin
     return true;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -17,13 +17,13 @@ class LineReader {
 public:
     // Answers nothing at the end of the input.
     using Reader = std::function<std::optional<std::string>()>;
-    LineReader(); // standard input
+    LineReader();  // standard input
     explicit LineReader(Reader reader) : reader_(std::move(reader)) {}
     std::optional<std::wstring> next();
 
 private:
     Reader reader_;
-    std::string pending_; // read but not handed out: standard input comes in blocks
+    std::string pending_;  // read but not handed out: standard input comes in blocks
     bool ended_ = false;
 };
 
@@ -47,4 +47,4 @@ private:
     bool warned_ = false;
 };
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

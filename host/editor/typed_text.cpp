@@ -67,7 +67,7 @@ std::optional<TypedPoint> coordinates(const std::wstring& text) {
     return TypedPoint{{(*numbers)[0], (*numbers)[1], flat ? 0 : (*numbers)[2]}, flat ? 2 : 3};
 }
 
-} // namespace
+}  // namespace
 
 std::optional<double> typedReal(std::wstring_view text) {
     std::wstring rest = trimmed(text);
@@ -139,4 +139,4 @@ std::optional<TypedPoint> typedPoint(std::wstring_view given, const AcGePoint3d&
     return result;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -25,4 +25,4 @@ struct TypedPoint {
 std::optional<TypedPoint> typedPoint(std::wstring_view text, const AcGePoint3d& lastPoint,
                                      const AcGeMatrix3d& worldToUcs);
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

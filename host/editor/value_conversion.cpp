@@ -66,37 +66,29 @@ void addList(ListCollector& nodes, Value list, int depth) {
 
 void addValue(ListCollector& nodes, Value value, int depth) {
     switch (value.type()) {
-    case lisp::Type::nothing:
-        nodes.add(RTNIL);
-        return;
-    case lisp::Type::integer: {
-        const std::int32_t number = value.asInteger();
-        nodes.add(fitsShort(number) ? RTSHORT : RTLONG).resval.rlong = number;
-        return;
-    }
-    case lisp::Type::real:
-        nodes.add(RTREAL).resval.rreal = value.asReal();
-        return;
-    case lisp::Type::string:
-        setText(nodes.add(RTSTR), value.asString());
-        return;
-    case lisp::Type::symbol:
-        if (value.asSymbol()->name == L"T") {
-            nodes.add(RTT);
-        } else {
-            setText(nodes.add(RTSTR), value.asSymbol()->name);
+        case lisp::Type::nothing: nodes.add(RTNIL); return;
+        case lisp::Type::integer: {
+            const std::int32_t number = value.asInteger();
+            nodes.add(fitsShort(number) ? RTSHORT : RTLONG).resval.rlong = number;
+            return;
         }
-        return;
-    case lisp::Type::list:
-        if (const int dimension = pointDimension(value)) {
-            setPoint(nodes.add(dimension == 2 ? RTPOINT : RT3DPOINT), value);
-        } else {
-            addList(nodes, value, depth);
-        }
-        return;
-    default:
-        addObject(nodes, value);
-        return;
+        case lisp::Type::real: nodes.add(RTREAL).resval.rreal = value.asReal(); return;
+        case lisp::Type::string: setText(nodes.add(RTSTR), value.asString()); return;
+        case lisp::Type::symbol:
+            if (value.asSymbol()->name == L"T") {
+                nodes.add(RTT);
+            } else {
+                setText(nodes.add(RTSTR), value.asSymbol()->name);
+            }
+            return;
+        case lisp::Type::list:
+            if (const int dimension = pointDimension(value)) {
+                setPoint(nodes.add(dimension == 2 ? RTPOINT : RT3DPOINT), value);
+            } else {
+                addList(nodes, value, depth);
+            }
+            return;
+        default: addObject(nodes, value); return;
     }
 }
 
@@ -107,46 +99,38 @@ bool isGroup(const resbuf& node) {
 Value plainValue(lisp::Interpreter& interpreter, const resbuf& node) {
     const ads_u_val& value = node.resval;
     switch (acutResultKind(node.restype)) {
-    case ResultKind::Real:
-        return Value::real(value.rreal);
-    case ResultKind::Point:
-        return node.restype == RTPOINT ? interpreter.point(value.rpoint[0], value.rpoint[1])
-                                       : interpreter.point(value.rpoint[0], value.rpoint[1], value.rpoint[2]);
-    case ResultKind::Short:
-        return Value::integer(value.rint);
-    case ResultKind::Long:
-        return Value::integer(value.rlong);
-    case ResultKind::Int64:
-        return Value::real(static_cast<double>(value.rlname[0]));
-    case ResultKind::String:
-    case ResultKind::Handle:
-        return interpreter.string(value.rstring ? value.rstring : L"");
-    case ResultKind::Name:
-        if (node.restype == RTPICKS) {
-            auto set = theHost().selectionSets().find(value.rlname);
-            return set ? interpreter.selectionSet(std::move(set)) : Value();
+        case ResultKind::Real: return Value::real(value.rreal);
+        case ResultKind::Point:
+            return node.restype == RTPOINT
+                       ? interpreter.point(value.rpoint[0], value.rpoint[1])
+                       : interpreter.point(value.rpoint[0], value.rpoint[1], value.rpoint[2]);
+        case ResultKind::Short: return Value::integer(value.rint);
+        case ResultKind::Long: return Value::integer(value.rlong);
+        case ResultKind::Int64: return Value::real(static_cast<double>(value.rlname[0]));
+        case ResultKind::String:
+        case ResultKind::Handle: return interpreter.string(value.rstring ? value.rstring : L"");
+        case ResultKind::Name:
+            if (node.restype == RTPICKS) {
+                auto set = theHost().selectionSets().find(value.rlname);
+                return set ? interpreter.selectionSet(std::move(set)) : Value();
+            }
+            return interpreter.entityName(static_cast<std::uint64_t>(value.rlname[0]),
+                                          static_cast<std::uint64_t>(value.rlname[1]));
+        case ResultKind::Binary: {
+            static constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
+            std::wstring text;
+            for (int i = 0; i < value.rbinary.clen; ++i) {
+                const auto byte = static_cast<unsigned char>(value.rbinary.buf[i]);
+                text += {kDigits[byte >> 4], kDigits[byte & 15]};
+            }
+            return interpreter.string(std::move(text));
         }
-        return interpreter.entityName(static_cast<std::uint64_t>(value.rlname[0]),
-                                      static_cast<std::uint64_t>(value.rlname[1]));
-    case ResultKind::Binary: {
-        static constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
-        std::wstring text;
-        for (int i = 0; i < value.rbinary.clen; ++i) {
-            const auto byte = static_cast<unsigned char>(value.rbinary.buf[i]);
-            text += {kDigits[byte >> 4], kDigits[byte & 15]};
-        }
-        return interpreter.string(std::move(text));
-    }
-    case ResultKind::None:
-        break;
+        case ResultKind::None: break;
     }
     switch (node.restype) {
-    case RTT:
-        return interpreter.t();
-    case RTVOID:
-        return interpreter.nullSymbol();
-    default:
-        return Value();
+        case RTT: return interpreter.t();
+        case RTVOID: return interpreter.nullSymbol();
+        default: return Value();
     }
 }
 
@@ -180,54 +164,52 @@ void addElement(OpenList& open, Value value) {
 // Puts a value into a node of a group code; false when it is of another kind.
 bool setGroup(resbuf& node, Value value) {
     switch (acutResultKind(node.restype)) {
-    case ResultKind::Real:
-        if (!value.isNumber())
-            return false;
-        node.resval.rreal = value.asNumber();
-        return true;
-    case ResultKind::Short:
-    case ResultKind::Long:
-        if (!value.isNumber())
-            return false;
-        node.resval.rlong = static_cast<std::int32_t>(value.asNumber());
-        return true;
-    case ResultKind::Int64:
-        if (!value.isNumber())
-            return false;
-        node.resval.rlname[0] = static_cast<std::int64_t>(value.asNumber());
-        return true;
-    case ResultKind::String:
-    case ResultKind::Handle:
-        return value.isString() && setText(node, value.asString());
-    case ResultKind::Point:
-        if (!value.isPair() || !value.car().isNumber())
-            return false;
-        setPoint(node, value);
-        return true;
-    case ResultKind::Name: {
-        if (!value.isEntityName())
-            return false;
-        const lisp::EntityName name = static_cast<lisp::EntityNameObject*>(value.asObject())->name;
-        node.resval.rlname[0] = static_cast<std::int64_t>(name.first);
-        node.resval.rlname[1] = static_cast<std::int64_t>(name.second);
-        return true;
-    }
-    case ResultKind::Binary: {
-        if (!value.isString())
-            return false;
-        const std::wstring& digits = value.asString();
-        std::vector<std::uint8_t> bytes;
-        for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {
-            wchar_t* end = nullptr;
-            const std::wstring pair = digits.substr(i, 2);
-            bytes.push_back(static_cast<std::uint8_t>(std::wcstoul(pair.c_str(), &end, 16)));
-            if (*end)
+        case ResultKind::Real:
+            if (!value.isNumber())
                 return false;
+            node.resval.rreal = value.asNumber();
+            return true;
+        case ResultKind::Short:
+        case ResultKind::Long:
+            if (!value.isNumber())
+                return false;
+            node.resval.rlong = static_cast<std::int32_t>(value.asNumber());
+            return true;
+        case ResultKind::Int64:
+            if (!value.isNumber())
+                return false;
+            node.resval.rlname[0] = static_cast<std::int64_t>(value.asNumber());
+            return true;
+        case ResultKind::String:
+        case ResultKind::Handle: return value.isString() && setText(node, value.asString());
+        case ResultKind::Point:
+            if (!value.isPair() || !value.car().isNumber())
+                return false;
+            setPoint(node, value);
+            return true;
+        case ResultKind::Name: {
+            if (!value.isEntityName())
+                return false;
+            const lisp::EntityName name = static_cast<lisp::EntityNameObject*>(value.asObject())->name;
+            node.resval.rlname[0] = static_cast<std::int64_t>(name.first);
+            node.resval.rlname[1] = static_cast<std::int64_t>(name.second);
+            return true;
         }
-        return setBinary(node, bytes.data(), bytes.size());
-    }
-    case ResultKind::None:
-        return false;
+        case ResultKind::Binary: {
+            if (!value.isString())
+                return false;
+            const std::wstring& digits = value.asString();
+            std::vector<std::uint8_t> bytes;
+            for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {
+                wchar_t* end = nullptr;
+                const std::wstring pair = digits.substr(i, 2);
+                bytes.push_back(static_cast<std::uint8_t>(std::wcstoul(pair.c_str(), &end, 16)));
+                if (*end)
+                    return false;
+            }
+            return setBinary(node, bytes.data(), bytes.size());
+        }
+        case ResultKind::None: return false;
     }
     return false;
 }
@@ -260,7 +242,7 @@ void addGroup(ListCollector& nodes, Value group) {
         raiseBadGroup(group);
 }
 
-} // namespace
+}  // namespace
 
 resbuf& ListCollector::add(int type) {
     resbuf* const node = acutNewRb(type);
@@ -304,22 +286,16 @@ Value fromValueList(lisp::Interpreter& interpreter, const resbuf* list) {
     std::vector<OpenList> open(1);
     for (; list; list = list->rbnext) {
         switch (list->restype) {
-        case RTLB:
-            open.emplace_back();
-            break;
-        case RTDOTE:
-            open.back().dotted = true;
-            break;
-        case RTLE:
-            if (open.size() > 1) {
-                const Value value = closed(interpreter, open.back());
-                open.pop_back();
-                addElement(open.back(), value);
-            }
-            break;
-        default:
-            addElement(open.back(), fromNode(interpreter, *list));
-            break;
+            case RTLB: open.emplace_back(); break;
+            case RTDOTE: open.back().dotted = true; break;
+            case RTLE:
+                if (open.size() > 1) {
+                    const Value value = closed(interpreter, open.back());
+                    open.pop_back();
+                    addElement(open.back(), value);
+                }
+                break;
+            default: addElement(open.back(), fromNode(interpreter, *list)); break;
         }
     }
     while (open.size() > 1) {
@@ -339,7 +315,7 @@ ValueList groupsFromValue(Value list) {
 
 Value valueFromGroups(lisp::Interpreter& interpreter, const resbuf* groups) {
     lisp::ListBuilder list(interpreter);
-    bool flatPoints = false; // vertices of lightweight polylines have no z
+    bool flatPoints = false;  // vertices of lightweight polylines have no z
     for (; groups && groups->restype != kXdata; groups = groups->rbnext) {
         if (groups->restype == 0)
             flatPoints = std::wstring_view(groups->resval.rstring) == L"LWPOLYLINE";
@@ -367,41 +343,39 @@ Value valueFromGroups(lisp::Interpreter& interpreter, const resbuf* groups) {
 std::optional<Answer> answerFromValue(Value value) {
     Answer answer;
     switch (value.type()) {
-    case lisp::Type::integer:
-        answer.kind = Answer::Kind::Integer;
-        answer.integer = value.asInteger();
-        return answer;
-    case lisp::Type::real:
-        answer.kind = Answer::Kind::Real;
-        answer.number = value.asReal();
-        return answer;
-    case lisp::Type::string:
-        return Answer::ofText(Answer::Kind::Typed, value.asString());
-    case lisp::Type::entityName:
-        answer.kind = Answer::Kind::Entity;
-        answer.entity = entityOf(value);
-        return answer;
-    case lisp::Type::selectionSet:
-        answer.kind = Answer::Kind::Set;
-        answer.set = std::static_pointer_cast<SelectionSet>(
-            static_cast<lisp::SelectionSetObject*>(value.asObject())->set);
-        return answer;
-    case lisp::Type::list: {
-        // (<Entity name> point), as entsel answers
-        if (value.car().isEntityName())
-            return answerFromValue(value.car());
-        for (Value element : lisp::elements(value)) {
-            if (!element.isNumber())
+        case lisp::Type::integer:
+            answer.kind = Answer::Kind::Integer;
+            answer.integer = value.asInteger();
+            return answer;
+        case lisp::Type::real:
+            answer.kind = Answer::Kind::Real;
+            answer.number = value.asReal();
+            return answer;
+        case lisp::Type::string: return Answer::ofText(Answer::Kind::Typed, value.asString());
+        case lisp::Type::entityName:
+            answer.kind = Answer::Kind::Entity;
+            answer.entity = entityOf(value);
+            return answer;
+        case lisp::Type::selectionSet:
+            answer.kind = Answer::Kind::Set;
+            answer.set = std::static_pointer_cast<SelectionSet>(
+                static_cast<lisp::SelectionSetObject*>(value.asObject())->set);
+            return answer;
+        case lisp::Type::list: {
+            // (<Entity name> point), as entsel answers
+            if (value.car().isEntityName())
+                return answerFromValue(value.car());
+            for (Value element : lisp::elements(value)) {
+                if (!element.isNumber())
+                    return std::nullopt;
+            }
+            const std::size_t count = lisp::lengthOf(value);
+            if (count < 2 || count > 3)
                 return std::nullopt;
+            const lisp::Point point = lisp::pointOf(value);
+            return Answer::ofPoint(Answer::Kind::Point, {point.x, point.y, point.z}, point.dimension);
         }
-        const std::size_t count = lisp::lengthOf(value);
-        if (count < 2 || count > 3)
-            return std::nullopt;
-        const lisp::Point point = lisp::pointOf(value);
-        return Answer::ofPoint(Answer::Kind::Point, {point.x, point.y, point.z}, point.dimension);
-    }
-    default:
-        return std::nullopt;
+        default: return std::nullopt;
     }
 }
 
@@ -423,4 +397,4 @@ Value pointValue(lisp::Interpreter& interpreter, const AcGePoint3d& point) {
     return interpreter.point(point.x, point.y, point.z);
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -57,4 +57,4 @@ lisp::Value entityValue(lisp::Interpreter& interpreter, AcDbObjectId id);
 AcDbObjectId entityOf(lisp::Value name);
 lisp::Value pointValue(lisp::Interpreter& interpreter, const AcGePoint3d& point);
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

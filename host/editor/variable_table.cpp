@@ -293,10 +293,10 @@ const VariableRow kRows[] = {
     {.name = L"USERR5", .type = Real, .place = Drawing},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const VariableRow> variableTable() {
     return kRows;
 }
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

@@ -18,9 +18,9 @@ struct VariableRow {
     VariableType type;
     VariablePlace place;
     VariableAccess access = VariableAccess::ReadWrite;
-    double number = 0;               // default of numbers; both coordinates of points
-    const wchar_t* text = nullptr;   // default of texts
-    double minimum = 1, maximum = 0; // allowed numbers; minimum above maximum: any
+    double number = 0;                // default of numbers; both coordinates of points
+    const wchar_t* text = nullptr;    // default of texts
+    double minimum = 1, maximum = 0;  // allowed numbers; minimum above maximum: any
     // Values that are worked out when asked for, and variables whose setting does something. Null: none.
     VariableValue (*compute)(const Document& document) = nullptr;
     bool (*store)(Document& document, const VariableValue& value) = nullptr;
@@ -28,4 +28,4 @@ struct VariableRow {
 
 std::span<const VariableRow> variableTable();
 
-} // namespace drafthost::editor
+}  // namespace drafthost::editor

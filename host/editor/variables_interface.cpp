@@ -36,26 +36,19 @@ struct NodeWriter {
 std::optional<VariableValue> valueOf(const resbuf& node) {
     const ads_real* const p = node.resval.rpoint;
     switch (node.restype) {
-    case RTSHORT:
-        return node.resval.rint;
-    case RTLONG:
-        return node.resval.rlong;
-    case RTREAL:
-    case RTANG:
-    case RTORINT:
-        return node.resval.rreal;
-    case RTSTR:
-        return std::wstring(node.resval.rstring ? node.resval.rstring : L"");
-    case RTPOINT:
-        return AcGePoint2d(p[0], p[1]);
-    case RT3DPOINT:
-        return AcGePoint3d(p[0], p[1], p[2]);
-    default:
-        return std::nullopt;
+        case RTSHORT: return node.resval.rint;
+        case RTLONG: return node.resval.rlong;
+        case RTREAL:
+        case RTANG:
+        case RTORINT: return node.resval.rreal;
+        case RTSTR: return std::wstring(node.resval.rstring ? node.resval.rstring : L"");
+        case RTPOINT: return AcGePoint2d(p[0], p[1]);
+        case RT3DPOINT: return AcGePoint3d(p[0], p[1], p[2]);
+        default: return std::nullopt;
     }
 }
 
-} // namespace
+}  // namespace
 
 int acedGetVar(const ACHAR* name, resbuf* value) {
     const drafthost::Document* const document = theHost().documents().current();

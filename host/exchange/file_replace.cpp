@@ -55,6 +55,13 @@ bool TemporaryFile::renameTo(const fs::path& target) {
 }
 #endif
 
+// Renaming over a write-protected file may succeed all the same, depending on the file system.
+bool isWriteProtected(const fs::path& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    return fs::exists(status) && (status.permissions() & fs::perms::owner_write) == fs::perms::none;
+}
+
 }  // namespace
 
 Acad::ErrorStatus replaceFile(const fs::path& target, std::string_view bytes) {
@@ -62,7 +69,7 @@ Acad::ErrorStatus replaceFile(const fs::path& target, std::string_view bytes) {
     const fs::path full = fs::absolute(target, error);
     if (error || !full.has_filename()) return Acad::eFileAccessErr;
     if (!fs::is_directory(full.parent_path(), error)) return Acad::eFileNotFound;
-    if (fs::is_directory(full, error)) return Acad::eFileAccessErr;
+    if (fs::is_directory(full, error) || isWriteProtected(full)) return Acad::eFileAccessErr;
 
     fs::path name = full.filename();
     name += "." + std::to_string(processNumber()) + ".tmp";

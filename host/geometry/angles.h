@@ -30,4 +30,4 @@ inline double sweepBetween(double startAngle, double endAngle) {
     return sweep <= kRounding || sweep > kTwoPi - kRounding ? kTwoPi : sweep;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -7,8 +7,8 @@
 namespace drafthost {
 namespace {
 
-constexpr double kTurnRounding = 1e-14; // radians by which a full turn may miss 2 pi
-constexpr double kSnapAngle = 1e-9;     // radians before a full turn's end that count as its start
+constexpr double kTurnRounding = 1e-14;  // radians by which a full turn may miss 2 pi
+constexpr double kSnapAngle = 1e-9;      // radians before a full turn's end that count as its start
 
 double arcAngle(const CurvePiece& arc, const AcGePoint3d& given) {
     const AcGeVector3d w = given - arc.start;
@@ -62,7 +62,7 @@ double closestAngleSeenAlong(const CurvePiece& arc, const AcGePoint3d& given, co
     return best;
 }
 
-} // namespace
+}  // namespace
 
 bool CurvePiece::isFullTurn() const {
     return isArc() && extent >= kTwoPi - kTurnRounding;
@@ -140,7 +140,7 @@ double closestParameter(const CurvePiece& piece, const AcGePoint3d& given, bool 
 
 double closestParameter(const CurvePiece& piece, const AcGePoint3d& given, const AcGeVector3d& direction,
                         bool extend) {
-    constexpr double kAlong = 1e-10; // sine of the angle below which two directions are one
+    constexpr double kAlong = 1e-10;  // sine of the angle below which two directions are one
     if (piece.isArc()) {
         const bool seenAsCircle = piece.normal().crossProduct(direction).length() <= kAlong;
         return seenAsCircle ? closestParameter(piece, given, extend)
@@ -194,4 +194,4 @@ Box boxOf(const CurvePiece& piece) {
     return box;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

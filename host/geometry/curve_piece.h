@@ -18,22 +18,22 @@ struct CurvePiece {
     enum class Kind : unsigned char { Segment, Arc };
 
     Kind kind = Kind::Segment;
-    bool extendsBackward = true; // whether the start may be lengthened where a caller asks for extension
+    bool extendsBackward = true;  // whether the start may be lengthened where a caller asks for extension
     bool extendsForward = true;
     AcGePoint3d start;
-    AcGeVector3d xAxis; // segment: unit direction, zero for a point; arc: unit, from the centre to the start
-    AcGeVector3d yAxis; // arc: unit, direction of travel at the start
-    double extent = 0;  // parameter of the end: length of a segment; angle of an arc, in (0, 2 pi]
-    double radius = 0;  // arc only; not negative
+    AcGeVector3d xAxis;  // segment: unit direction, zero for a point; arc: unit, from the centre to the start
+    AcGeVector3d yAxis;  // arc: unit, direction of travel at the start
+    double extent = 0;   // parameter of the end: length of a segment; angle of an arc, in (0, 2 pi]
+    double radius = 0;   // arc only; not negative
 
     bool isArc() const { return kind == Kind::Arc; }
     bool isFullTurn() const;
-    double speed() const { return isArc() ? radius : 1.0; } // length for one unit of the parameter
+    double speed() const { return isArc() ? radius : 1.0; }  // length for one unit of the parameter
     double length() const { return extent * speed(); }
     AcGePoint3d center() const { return start - xAxis * radius; }
     AcGeVector3d normal() const { return xAxis.crossProduct(yAxis); }
     double size() const { return isArc() ? std::min(2 * radius, length()) : extent; }
-    double magnitude() const; // about the largest coordinate of its points
+    double magnitude() const;  // about the largest coordinate of its points
 };
 
 CurvePiece segmentPiece(const AcGePoint3d& start, const AcGePoint3d& end);
@@ -69,4 +69,4 @@ struct Box {
 // Exact box, extensions left out.
 Box boxOf(const CurvePiece& piece);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -19,7 +19,7 @@ double zeroBetween(const Harmonic& sum, double low, double high) {
     }
 }
 
-} // namespace
+}  // namespace
 
 double Harmonic::value(double angle) const {
     const double c = std::cos(angle), s = std::sin(angle);
@@ -74,4 +74,4 @@ HarmonicAngles zerosOf(const Harmonic& sum, double nearZero) {
     return zeros;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -28,4 +28,4 @@ HarmonicAngles extremesOf(const Harmonic& sum);
 // it.
 HarmonicAngles zerosOf(const Harmonic& sum, double nearZero);
 
-} // namespace drafthost
+}  // namespace drafthost

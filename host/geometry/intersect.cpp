@@ -10,8 +10,8 @@ namespace {
 struct Support {
     const CurvePiece& piece;
     bool extended;
-    AcGePoint3d center;  // arcs
-    AcGeVector3d normal; // arcs
+    AcGePoint3d center;   // arcs
+    AcGeVector3d normal;  // arcs
 
     // A point has no direction to be lengthened in.
     Support(const CurvePiece& p, bool extend) : piece(p), extended(extend && p.extent > 0) {
@@ -143,7 +143,7 @@ private:
     void lineCircle(const Support& line, const Support& circle) {
         const AcGeVector3d u = line.piece.xAxis;
         if (u.lengthSqrd() == 0)
-            return; // a point: the touching ends tell
+            return;  // a point: the touching ends tell
         const double rise = u.dotProduct(circle.normal);
         const double height = (line.piece.start - circle.center).dotProduct(circle.normal);
         const double reach = line.isUnbounded() ? circle.piece.radius * 2
@@ -160,7 +160,7 @@ private:
         const double rest = w.lengthSqrd() + 2 * r * w.dotProduct(circle.piece.xAxis);
         const double chordSquared = half * half - rest;
         const double footDistance = std::sqrt(std::max(0.0, r * r - chordSquared));
-        const double depth = chordSquared / (r + footDistance); // of the chord's middle within the circle
+        const double depth = chordSquared / (r + footDistance);  // of the chord's middle within the circle
         if (!(depth >= -tolerance_))
             return;
         if (depth <= touchTolerance(r)) {
@@ -274,7 +274,7 @@ private:
     PieceHits hits_;
 };
 
-} // namespace
+}  // namespace
 
 void PieceHits::add(const PieceHit& hit) {
     if (count == kCapacity)
@@ -298,4 +298,4 @@ PieceHits intersectPieces(const CurvePiece& first, const CurvePiece& second, Ext
     return Meeting(first, second, extension, tolerance).find();
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -16,7 +16,7 @@ namespace drafthost {
 
 struct PieceHit {
     AcGePoint3d point;
-    double parameter = 0; // on the first piece
+    double parameter = 0;  // on the first piece
 };
 
 // In the order of the first piece's parameter.
@@ -50,4 +50,4 @@ PieceHits intersectPieces(const CurvePiece& first, const CurvePiece& second, Ext
 PieceHits intersectProjected(const CurvePiece& first, const CurvePiece& second, const AcGeVector3d& direction,
                              Extension extension, double tolerance);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -188,7 +188,7 @@ private:
     PieceHits hits_;
 };
 
-} // namespace
+}  // namespace
 
 PieceHits intersectProjected(const CurvePiece& first, const CurvePiece& second, const AcGeVector3d& direction,
                              Extension extension, double tolerance) {
@@ -197,4 +197,4 @@ PieceHits intersectProjected(const CurvePiece& first, const CurvePiece& second, 
     return ProjectedMeeting(a, b, tolerance).find();
 }
 
-} // namespace drafthost
+}  // namespace drafthost

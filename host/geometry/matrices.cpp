@@ -24,7 +24,7 @@ AcGeMatrix3d fixing(AcGeMatrix3d linear, const AcGePoint3d& center) {
     return linear;
 }
 
-} // namespace
+}  // namespace
 
 const AcGeMatrix3d AcGeMatrix3d::kIdentity;
 

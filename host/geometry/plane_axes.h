@@ -7,7 +7,7 @@
 namespace drafthost {
 
 struct PlaneAxes {
-    AcGeVector3d x{1, 0, 0}, y{0, 1, 0}, z{0, 0, 1}; // unit vectors, right-handed
+    AcGeVector3d x{1, 0, 0}, y{0, 1, 0}, z{0, 0, 1};  // unit vectors, right-handed
 
     AcGePoint3d toWorld(double px, double py, double pz) const {
         return AcGePoint3d() + (x * px + y * py + z * pz);
@@ -36,4 +36,4 @@ inline PlaneAxes planeAxes(const AcGeVector3d& normal) {
     return axes;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

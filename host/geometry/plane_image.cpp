@@ -19,7 +19,7 @@ AcGeVector3d settled(const AcGeVector3d& normal, const AcGeVector3d& old) {
     return normal;
 }
 
-} // namespace
+}  // namespace
 
 std::optional<PlaneImage> planeImage(const AcGeMatrix3d& matrix, const AcGeVector3d& normal) {
     const PlaneAxes axes = planeAxes(normal);
@@ -44,4 +44,4 @@ std::optional<PlaneImage> planeImage(const AcGeMatrix3d& matrix, const AcGeVecto
     return image;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -9,10 +9,10 @@
 namespace drafthost {
 
 struct PlaneImage {
-    AcGeVector3d normal;       // of the image plane, unit
-    double scale = 1;          // of lengths in the plane
-    double thicknessScale = 1; // of lengths along the normal; negative when they point to the other side
-    bool reversed = false;     // counter-clockwise about the old normal is clockwise about the new one
+    AcGeVector3d normal;        // of the image plane, unit
+    double scale = 1;           // of lengths in the plane
+    double thicknessScale = 1;  // of lengths along the normal; negative when they point to the other side
+    bool reversed = false;      // counter-clockwise about the old normal is clockwise about the new one
 };
 
 // Nothing when the matrix does not keep circles of the plane circles (unequal scales, shear, collapse).
@@ -20,4 +20,4 @@ struct PlaneImage {
 // mirrored within its plane keeps its normal and changes its sense.
 std::optional<PlaneImage> planeImage(const AcGeMatrix3d& matrix, const AcGeVector3d& normal);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -40,4 +40,4 @@ inline double lengthTolerance(double length) {
     return AcGeContext::gTol.equalPoint + 1e-9 * length;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -20,18 +20,21 @@ Canvas::Canvas(int width, int height, Rgb background)
       cover_(static_cast<std::size_t>(width), 0.0f) {}
 
 void Canvas::addEdge(const AcGePoint2d& from, const AcGePoint2d& to) {
-    if (from.y == to.y || !std::isfinite(from.x + from.y + to.x + to.y)) return;
+    if (from.y == to.y || !std::isfinite(from.x + from.y + to.x + to.y))
+        return;
     const bool down = from.y < to.y;
     const AcGePoint2d& top = down ? from : to;
     const AcGePoint2d& bottom = down ? to : from;
-    if (bottom.y <= 0 || top.y >= height_) return;
+    if (bottom.y <= 0 || top.y >= height_)
+        return;
     edges_.push_back({top.x, top.y, bottom.y, (bottom.x - top.x) / (bottom.y - top.y), down ? 1 : -1});
 }
 
 void Canvas::fill(std::span<const std::vector<AcGePoint2d>> contours, FillRule rule, Rgb color) {
     edges_.clear();
     for (const auto& contour : contours) {
-        for (std::size_t i = 0; i < contour.size(); ++i) addEdge(contour[i], contour[(i + 1) % contour.size()]);
+        for (std::size_t i = 0; i < contour.size(); ++i)
+            addEdge(contour[i], contour[(i + 1) % contour.size()]);
     }
     paintEdges(rule, color);
 }
@@ -43,7 +46,8 @@ void Canvas::addQuad(const AcGePoint2d& a, const AcGePoint2d& b, double halfWidt
     const AcGeVector2d across{-along.y, along.x};
     const AcGePoint2d corners[] = {a + (across - along), b + (across + along), b + (along - across),
                                    a + (along + across) * -1.0};
-    for (int i = 0; i < 4; ++i) addEdge(corners[i], corners[(i + 1) % 4]);
+    for (int i = 0; i < 4; ++i)
+        addEdge(corners[i], corners[(i + 1) % 4]);
 }
 
 void Canvas::addDisc(const AcGePoint2d& center, double radius) {
@@ -60,32 +64,42 @@ void Canvas::addDisc(const AcGePoint2d& center, double radius) {
 
 void Canvas::stroke(std::span<const AcGePoint2d> points, double lineWidth, Rgb color) {
     edges_.clear();
-    if (points.empty()) return;
+    if (points.empty())
+        return;
     const double half = lineWidth / 2;
-    if (points.size() == 1) addQuad(points[0], points[0], half);
-    for (std::size_t i = 1; i < points.size(); ++i) addQuad(points[i - 1], points[i], half);
+    if (points.size() == 1)
+        addQuad(points[0], points[0], half);
+    for (std::size_t i = 1; i < points.size(); ++i)
+        addQuad(points[i - 1], points[i], half);
     if (lineWidth > kRoundJoinWidth) {
-        for (std::size_t i = 1; i + 1 < points.size(); ++i) addDisc(points[i], half);
+        for (std::size_t i = 1; i + 1 < points.size(); ++i)
+            addDisc(points[i], half);
     }
     paintEdges(FillRule::NonZero, color);
 }
 
 void Canvas::paintEdges(FillRule rule, Rgb color) {
-    if (edges_.empty()) return;
+    if (edges_.empty())
+        return;
     std::sort(edges_.begin(), edges_.end(), [](const Edge& a, const Edge& b) { return a.topY < b.topY; });
     double bottom = 0;
-    for (const Edge& edge : edges_) bottom = std::max(bottom, edge.bottomY);
+    for (const Edge& edge : edges_)
+        bottom = std::max(bottom, edge.bottomY);
     const int firstRow = std::max(0, static_cast<int>(std::floor(edges_.front().topY)));
-    const int lastRow = std::min(height_ - 1, static_cast<int>(std::floor(std::min(bottom, double(height_)))));
+    const int lastRow =
+        std::min(height_ - 1, static_cast<int>(std::floor(std::min(bottom, double(height_)))));
     active_.clear();
     std::size_t next = 0;
     for (int row = firstRow; row <= lastRow; ++row) {
-        while (next < edges_.size() && edges_[next].topY < row + 1) active_.push_back(next++);
+        while (next < edges_.size() && edges_[next].topY < row + 1)
+            active_.push_back(next++);
         std::erase_if(active_, [&](std::size_t i) { return edges_[i].bottomY <= row; });
         coverFrom_ = width_;
         coverTo_ = -1;
-        for (int sub = 0; sub < kSubRows; ++sub) coverRow(row + (sub + 0.5) / kSubRows, rule);
-        if (coverTo_ >= coverFrom_) blendRow(row, color);
+        for (int sub = 0; sub < kSubRows; ++sub)
+            coverRow(row + (sub + 0.5) / kSubRows, rule);
+        if (coverTo_ >= coverFrom_)
+            blendRow(row, color);
     }
 }
 
@@ -102,14 +116,16 @@ void Canvas::coverRow(double y, FillRule rule) {
     for (std::size_t i = 0; i + 1 < crossings_.size(); ++i) {
         winding += crossings_[i].second;
         const bool inside = rule == FillRule::NonZero ? winding != 0 : i % 2 == 0;
-        if (inside) coverSpan(crossings_[i].first, crossings_[i + 1].first);
+        if (inside)
+            coverSpan(crossings_[i].first, crossings_[i + 1].first);
     }
 }
 
 void Canvas::coverSpan(double from, double to) {
     from = std::clamp(from, 0.0, double(width_));
     to = std::clamp(to, 0.0, double(width_));
-    if (!(to > from)) return;
+    if (!(to > from))
+        return;
     constexpr float kPart = 1.0f / kSubRows;
     const int first = static_cast<int>(from);
     const int last = std::min(static_cast<int>(to), width_ - 1);

@@ -2,9 +2,9 @@
 
 // Antialiased painting of polygons and lines into a pixel buffer.
 //
-// Scan conversion by sub-scanlines: every pixel row is cut into kSubRows thin rows; in each, the spans inside the shape
-// are found from the sorted crossings of its edges (non-zero or even-odd rule) and their exact horizontal cover is
-// summed. (After the coverage-accumulation scan converters of outline font renderers.)
+// Scan conversion by sub-scanlines: every pixel row is cut into kSubRows thin rows; in each, the spans inside
+// the shape are found from the sorted crossings of its edges (non-zero or even-odd rule) and their exact
+// horizontal cover is summed. (After the coverage-accumulation scan converters of outline font renderers.)
 
 #include <cstdint>
 #include <span>
@@ -17,9 +17,10 @@ namespace drafthost::graphics {
 
 enum class FillRule { NonZero, EvenOdd };
 
-// Pixels, 24-bit colour, row 0 on top. Coordinates are pixels from the top left corner; shapes may reach outside.
+// Pixels, 24-bit colour, row 0 on top. Coordinates are pixels from the top left corner; shapes may reach
+// outside.
 class Canvas {
-  public:
+public:
     Canvas(int width, int height, Rgb background);
     int width() const { return width_; }
     int height() const { return height_; }
@@ -29,7 +30,7 @@ class Canvas {
     // A line of that width in pixels with square ends and, when wider than two pixels, round joins.
     void stroke(std::span<const AcGePoint2d> points, double lineWidth, Rgb color);
 
-  private:
+private:
     struct Edge {
         double topX, topY, bottomY, slope;  // slope: change of x for one row
         int winding;

@@ -22,7 +22,8 @@ double hueComponent(double hue, double offset) {
 Rgb shadeOfHue(int index) {
     const double hue = (index / 10 - 1) * 15.0;
     const double bright = kShades[index % 10 / 2];
-    const double floor = index % 2 ? 0.5 : 0.0;  // odd indices are tints: half way to the grey of their brightness
+    const double floor =
+        index % 2 ? 0.5 : 0.0;  // odd indices are tints: half way to the grey of their brightness
     const auto level = [&](double offset) {
         const double part = hueComponent(hue, offset);
         return static_cast<std::uint8_t>(bright * (floor + (1.0 - floor) * part));
@@ -33,8 +34,10 @@ Rgb shadeOfHue(int index) {
 }  // namespace
 
 Rgb colorOfIndex(int index) {
-    if (index >= 1 && index <= 9) return kBasic[index];
-    if (index >= 10 && index <= 249) return shadeOfHue(index);
+    if (index >= 1 && index <= 9)
+        return kBasic[index];
+    if (index >= 10 && index <= 249)
+        return shadeOfHue(index);
     if (index >= 250 && index <= 255) {
         const std::uint8_t grey = kGreys[index - 250];
         return {grey, grey, grey};

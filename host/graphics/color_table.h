@@ -12,8 +12,8 @@ struct Rgb {
 // Background of pictures: the dark slate that colour indices are designed to stand out from.
 constexpr Rgb kBackground{33, 40, 48};
 
-// The colour of index 1 to 255: seven pure colours, two greys, 24 hues in ten shades (10 to 249), six greys. Other
-// indices give white.
+// The colour of index 1 to 255: seven pure colours, two greys, 24 hues in ten shades (10 to 249), six greys.
+// Other indices give white.
 Rgb colorOfIndex(int index);
 
 constexpr Rgb rgbOf(std::uint32_t packed) {

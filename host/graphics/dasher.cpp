@@ -14,13 +14,14 @@ AcGePoint2d between(const AcGePoint2d& a, const AcGePoint2d& b, double fraction)
 
 double lengthOf(const Polyline2d& line) {
     double length = 0;
-    for (std::size_t i = 1; i < line.points.size(); ++i) length += line.points[i - 1].distanceTo(line.points[i]);
+    for (std::size_t i = 1; i < line.points.size(); ++i)
+        length += line.points[i - 1].distanceTo(line.points[i]);
     return length;
 }
 
 // Walks a polyline once and hands out the piece of it between two rising distances.
 class PolylineWalker {
-  public:
+public:
     explicit PolylineWalker(const Polyline2d& line) : line_(line) {}
     Polyline2d piece(double from, double to) {
         advanceTo(from);
@@ -34,7 +35,7 @@ class PolylineWalker {
         return result;
     }
 
-  private:
+private:
     double segmentLength() const { return line_.points[index_].distanceTo(line_.points[index_ + 1]); }
     void advanceTo(double distance) {
         while (index_ + 2 < line_.points.size() && start_ + segmentLength() < distance) {
@@ -44,8 +45,9 @@ class PolylineWalker {
     }
     AcGePoint2d pointAt(double distance) const {
         const double length = segmentLength();
-        return length > 0 ? between(line_.points[index_], line_.points[index_ + 1], (distance - start_) / length)
-                          : line_.points[index_];
+        return length > 0
+                   ? between(line_.points[index_], line_.points[index_ + 1], (distance - start_) / length)
+                   : line_.points[index_];
     }
     const Polyline2d& line_;
     std::size_t index_ = 0;
@@ -56,9 +58,11 @@ class PolylineWalker {
 
 std::vector<std::pair<double, double>> dashSpans(double length, std::span<const double> pattern) {
     double repeat = 0;
-    for (const double element : pattern) repeat += std::fabs(element);
+    for (const double element : pattern)
+        repeat += std::fabs(element);
     const double repetitions = repeat > 0 ? std::floor(length / repeat) : 0;
-    if (repetitions < 1 || repetitions > kMostRepetitions) return {{0.0, length}};
+    if (repetitions < 1 || repetitions > kMostRepetitions)
+        return {{0.0, length}};
 
     const double firstDash = std::fmax(pattern[0], 0.0);
     const double lead = (firstDash + length - repetitions * repeat) / 2;  // length of the dash at either end
@@ -66,10 +70,12 @@ std::vector<std::pair<double, double>> dashSpans(double length, std::span<const 
     double at = lead;
     for (int repetition = 0; repetition < repetitions; ++repetition) {
         for (std::size_t i = 1; i < pattern.size(); ++i) {
-            if (pattern[i] >= 0) spans.emplace_back(at, at + pattern[i]);
+            if (pattern[i] >= 0)
+                spans.emplace_back(at, at + pattern[i]);
             at += std::fabs(pattern[i]);
         }
-        if (pattern[0] >= 0) spans.emplace_back(at, at + pattern[0]);
+        if (pattern[0] >= 0)
+            spans.emplace_back(at, at + pattern[0]);
         at += std::fabs(pattern[0]);
     }
     spans.back().second = length;  // the last dash is the counterpart of the first
@@ -83,7 +89,8 @@ void appendDashes(const Polyline2d& line, std::span<const double> pattern, std::
         return;
     }
     PolylineWalker walker(line);
-    for (const auto& [from, to] : dashSpans(length, pattern)) out.push_back(walker.piece(from, to));
+    for (const auto& [from, to] : dashSpans(length, pattern))
+        out.push_back(walker.piece(from, to));
 }
 
 void appendDashes(const Arc2d& arc, std::span<const double> pattern, std::vector<Arc2d>& out) {

@@ -9,10 +9,10 @@
 
 namespace drafthost::graphics {
 
-// Where along a curve of this length the pattern draws: pairs of start and end distance, equal for a dot. The pattern
-// (positive dash, negative gap, zero dot; drawing units) is centred so that both ends of the curve lie on a dash, as
-// drafting standards want it. A curve too short for one repetition is drawn whole, and so is one that would need more
-// dashes than a reader can tell apart.
+// Where along a curve of this length the pattern draws: pairs of start and end distance, equal for a dot. The
+// pattern (positive dash, negative gap, zero dot; drawing units) is centred so that both ends of the curve
+// lie on a dash, as drafting standards want it. A curve too short for one repetition is drawn whole, and so
+// is one that would need more dashes than a reader can tell apart.
 std::vector<std::pair<double, double>> dashSpans(double length, std::span<const double> pattern);
 
 // The pieces of the shape that the pattern draws. An empty pattern gives the shape itself.

@@ -32,10 +32,12 @@ void DisplayBuilder::setColor(std::uint16_t index) {
 const DisplayBuilder::LayerLook& DisplayBuilder::layerLook(AcDbObjectId layer) {
     const auto [found, isNew] = layers_.try_emplace(layer);
     LayerLook& look = found->second;
-    if (!isNew) return look;
+    if (!isNew)
+        return look;
     look.color = colorOfIndex(7);
     const AcDbObjectPointer<AcDbLayerTableRecord> record(layer, AcDb::kForRead);
-    if (!record) return look;
+    if (!record)
+        return look;
     look.color = record->trueColor() >= 0 ? rgbOf(static_cast<std::uint32_t>(record->trueColor()))
                                           : colorOfIndex(record->colorIndex());
     look.linetype = record->linetypeObjectId();
@@ -50,14 +52,18 @@ AcDbObjectId DisplayBuilder::effectiveLayer() const {
 }
 
 Rgb DisplayBuilder::effectiveColor() {
-    if (traits_.background) return kBackground;
-    if (traits_.trueColor >= 0) return rgbOf(static_cast<std::uint32_t>(traits_.trueColor));
-    if (traits_.color == 0) return block_.color;
+    if (traits_.background)
+        return kBackground;
+    if (traits_.trueColor >= 0)
+        return rgbOf(static_cast<std::uint32_t>(traits_.trueColor));
+    if (traits_.color == 0)
+        return block_.color;
     return traits_.color == 256 ? layerLook(effectiveLayer()).color : colorOfIndex(traits_.color);
 }
 
 AcDbObjectId DisplayBuilder::effectiveLinetype() {
-    if (traits_.linetype == database_.byBlockLinetype()) return block_.linetype;
+    if (traits_.linetype == database_.byBlockLinetype())
+        return block_.linetype;
     if (traits_.linetype.isNull() || traits_.linetype == database_.byLayerLinetype()) {
         return layerLook(effectiveLayer()).linetype;
     }
@@ -65,63 +71,77 @@ AcDbObjectId DisplayBuilder::effectiveLinetype() {
 }
 
 int DisplayBuilder::effectiveWeight() {
-    if (traits_.lineWeight == AcDb::kLnWtByBlock) return block_.lineWeight;
-    return traits_.lineWeight == AcDb::kLnWtByLayer ? layerLook(effectiveLayer()).lineWeight : traits_.lineWeight;
+    if (traits_.lineWeight == AcDb::kLnWtByBlock)
+        return block_.lineWeight;
+    return traits_.lineWeight == AcDb::kLnWtByLayer ? layerLook(effectiveLayer()).lineWeight
+                                                    : traits_.lineWeight;
 }
 
 const std::vector<double>& DisplayBuilder::pattern(AcDbObjectId linetype) {
     const auto [found, isNew] = patterns_.try_emplace(linetype);
     if (isNew) {
         const AcDbObjectPointer<AcDbLinetypeTableRecord> record(linetype, AcDb::kForRead);
-        for (int i = 0; record && i < record->numDashes(); ++i) found->second.push_back(record->dashLengthAt(i));
+        for (int i = 0; record && i < record->numDashes(); ++i)
+            found->second.push_back(record->dashLengthAt(i));
     }
     return found->second;
 }
 
 std::vector<double> DisplayBuilder::currentPattern() {
     const AcDbObjectId linetype = effectiveLinetype();
-    if (linetype.isNull()) return {};
+    if (linetype.isNull())
+        return {};
     std::vector<double> scaled = pattern(linetype);
     const double scale = database_.ltscale() * traits_.linetypeScale;
-    for (double& element : scaled) element *= scale;
+    for (double& element : scaled)
+        element *= scale;
     return scaled;
 }
 
 template <class Shape>
 void DisplayBuilder::add(Shape shape) {
     const int weight = effectiveWeight();
-    list_.items.push_back(
-        {effectiveColor(), static_cast<float>((weight >= 0 ? weight : kDefaultWeight) / 100.0), std::move(shape)});
+    list_.items.push_back({effectiveColor(),
+                           static_cast<float>((weight >= 0 ? weight : kDefaultWeight) / 100.0),
+                           std::move(shape)});
 }
 
 void DisplayBuilder::addLine(Polyline2d line) {
     std::vector<Polyline2d> pieces;
     appendDashes(line, currentPattern(), pieces);
-    for (Polyline2d& piece : pieces) add(std::move(piece));
+    for (Polyline2d& piece : pieces)
+        add(std::move(piece));
 }
 
-bool DisplayBuilder::polyline(std::uint32_t count, const AcGePoint3d* points, const AcGeVector3d*, std::int64_t) {
-    if (count == 0) return false;
+bool DisplayBuilder::polyline(std::uint32_t count, const AcGePoint3d* points, const AcGeVector3d*,
+                              std::int64_t) {
+    if (count == 0)
+        return false;
     Polyline2d line;
     line.points.reserve(count);
-    for (std::uint32_t i = 0; i < count; ++i) line.points.push_back(toPlan(points[i]));
+    for (std::uint32_t i = 0; i < count; ++i)
+        line.points.push_back(toPlan(points[i]));
     addLine(std::move(line));
     return false;
 }
 
 bool DisplayBuilder::polygon(std::uint32_t count, const AcGePoint3d* points) {
-    if (traits_.fill) return polyPolygon(1, &count, points);
-    if (count == 0) return false;
+    if (traits_.fill)
+        return polyPolygon(1, &count, points);
+    if (count == 0)
+        return false;
     std::vector<AcGePoint3d> closed(points, points + count);
     closed.push_back(points[0]);
     return polyline(count + 1, closed.data(), nullptr, -1);
 }
 
-bool DisplayBuilder::polyPolygon(std::uint32_t contourCount, const std::uint32_t* counts, const AcGePoint3d* points) {
+bool DisplayBuilder::polyPolygon(std::uint32_t contourCount, const std::uint32_t* counts,
+                                 const AcGePoint3d* points) {
     Area2d area;
     for (std::uint32_t i = 0; i < contourCount; ++i) {
         std::vector<AcGePoint2d>& contour = area.contours.emplace_back();
-        for (std::uint32_t j = 0; j < counts[i]; ++j) contour.push_back(toPlan(*points++));
+        for (std::uint32_t j = 0; j < counts[i]; ++j)
+            contour.push_back(toPlan(*points++));
     }
     add(std::move(area));
     return false;
@@ -139,20 +159,24 @@ bool DisplayBuilder::circularArc(const AcGePoint3d& center, double radius, const
 // An arc that is still circular in plan stays an arc; any other becomes chords.
 bool DisplayBuilder::addArc(const AcGePoint3d& center, double radius, const AcGeVector3d& normal,
                             const AcGeVector3d& start, double sweep) {
-    if (!(radius > 0)) return false;
+    if (!(radius > 0))
+        return false;
     const AcGeVector3d along = start.normal();
     const AcGeVector3d across = normal.normal().crossProduct(along);
     const AcGeVector2d planAlong = (transform_ * (along * radius)).convert2d();
     const AcGeVector2d planAcross = (transform_ * (across * radius)).convert2d();
     const AcGePoint2d planCenter = toPlan(center);
     const double planRadius = planAlong.length();
-    const bool circular = planRadius > 0 && std::fabs(planAcross.length() - planRadius) <= 1e-9 * planRadius &&
+    const bool circular = planRadius > 0 &&
+                          std::fabs(planAcross.length() - planRadius) <= 1e-9 * planRadius &&
                           std::fabs(planAlong.dotProduct(planAcross)) <= 1e-9 * planRadius * planRadius;
     if (circular) {
         const double turn = planAlong.x * planAcross.y - planAlong.y * planAcross.x;
         std::vector<Arc2d> pieces;
-        appendDashes(Arc2d{planCenter, planRadius, planAlong.angle(), turn < 0 ? -sweep : sweep}, currentPattern(), pieces);
-        for (Arc2d& piece : pieces) add(piece);
+        appendDashes(Arc2d{planCenter, planRadius, planAlong.angle(), turn < 0 ? -sweep : sweep},
+                     currentPattern(), pieces);
+        for (Arc2d& piece : pieces)
+            add(piece);
         return false;
     }
     const int chords = chordCount(radius, sweep, deviation_);
@@ -166,15 +190,17 @@ bool DisplayBuilder::addArc(const AcGePoint3d& center, double radius, const AcGe
 }
 
 // Text is drawn as its outlines; a linetype does not apply to it.
-bool DisplayBuilder::text(const AcGePoint3d& position, const AcGeVector3d& normal, const AcGeVector3d& direction,
-                          const ACHAR* message, int length, const AcGiTextStyle& style) {
+bool DisplayBuilder::text(const AcGePoint3d& position, const AcGeVector3d& normal,
+                          const AcGeVector3d& direction, const ACHAR* message, int length,
+                          const AcGiTextStyle& style) {
     const std::size_t count = length < 0 ? std::wcslen(message) : static_cast<std::size_t>(length);
     const AcGeVector3d along = direction.normal();
     const AcGeVector3d upward = normal.normal().crossProduct(along);
     const auto toPlanContour = [&](const text::Contour& contour) {
         std::vector<AcGePoint2d> plan;
         plan.reserve(contour.size());
-        for (const AcGePoint2d& p : contour) plan.push_back(toPlan(position + along * p.x + upward * p.y));
+        for (const AcGePoint2d& p : contour)
+            plan.push_back(toPlan(position + along * p.x + upward * p.y));
         return plan;
     };
     for (const text::GlyphOutline& glyph : text::layoutRun(style, {message, count}).glyphs) {
@@ -186,7 +212,8 @@ bool DisplayBuilder::text(const AcGePoint3d& position, const AcGeVector3d& norma
                 add(Polyline2d{toPlanContour(contour)});
             }
         }
-        if (!area.contours.empty()) add(std::move(area));
+        if (!area.contours.empty())
+            add(std::move(area));
     }
     return false;
 }
@@ -201,14 +228,17 @@ void DisplayBuilder::takeTraits(const AcDbEntity& entity) {
     traits_.color = entity.colorIndex();
 }
 
-// Everything drawn while an entity draws itself belongs to it: by-block values and layer "0" of what it draws in turn
-// (the contents of a block) are its own. A frozen layer hides the entity with its contents, a layer that is off hides
-// only what is drawn on it.
+// Everything drawn while an entity draws itself belongs to it: by-block values and layer "0" of what it draws
+// in turn (the contents of a block) are its own. A frozen layer hides the entity with its contents, a layer
+// that is off hides only what is drawn on it.
 bool DisplayBuilder::draw(AcGiDrawable* drawable) {
-    if (!drawable || depth_ >= kDeepestNesting) return true;
+    if (!drawable || depth_ >= kDeepestNesting)
+        return true;
     AcDbEntity* entity = AcDbEntity::cast(drawable);
-    if (!entity) return drawable->worldDraw(this);
-    if (!entity->isVisible()) return true;
+    if (!entity)
+        return drawable->worldDraw(this);
+    if (!entity->isVisible())
+        return true;
 
     const Traits savedTraits = traits_;
     const BlockLook savedBlock = block_;
@@ -218,7 +248,8 @@ bool DisplayBuilder::draw(AcGiDrawable* drawable) {
     const LayerLook look = layerLook(layer);
     const bool isBlock = entity->isKindOf(AcDbBlockReference::desc());
     if (!look.frozen && (isBlock || !look.off)) {
-        if (isBlock) block_ = {layer, effectiveColor(), effectiveLinetype(), effectiveWeight()};
+        if (isBlock)
+            block_ = {layer, effectiveColor(), effectiveLinetype(), effectiveWeight()};
         ++depth_;
         complete = entity->worldDraw(this);
         --depth_;
@@ -234,25 +265,29 @@ void DisplayBuilder::pushModelTransform(const AcGeMatrix3d& matrix) {
 }
 
 void DisplayBuilder::popModelTransform() {
-    if (transforms_.empty()) return;
+    if (transforms_.empty())
+        return;
     transform_ = transforms_.back();
     transforms_.pop_back();
 }
 
 DisplayList buildDisplayList(const AcDbDatabase& database) {
     const AcDbObjectPointer<AcDbBlockTableRecord> space(database.modelSpaceId(), AcDb::kForRead);
-    if (!space) return {};
+    if (!space)
+        return {};
     const AcArray<AcDbObjectId> ids = space->entityIds();
     AcDbExtents extents;
     for (const AcDbObjectId id : ids) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        if (entity) entity->getGeomExtents(extents);
+        if (entity)
+            entity->getGeomExtents(extents);
     }
     const double size = extents.isValid() ? extents.minPoint().distanceTo(extents.maxPoint()) : 1.0;
     DisplayBuilder builder(database, std::max(size * kDeviationOfExtents, 1e-9));
     for (const AcDbObjectId id : ids) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        if (entity) builder.draw(entity.object());
+        if (entity)
+            builder.draw(entity.object());
     }
     return builder.take();
 }

@@ -1,12 +1,13 @@
 #pragma once
 
-// Turns the drawing calls of entities into a display list: resolves layers, colours, linetypes and weights (by layer and
-// by block), applies block transforms, cuts linetypes into dashes, and turns text into outlines.
+// Turns the drawing calls of entities into a display list: resolves layers, colours, linetypes and weights
+// (by layer and by block), applies block transforms, cuts linetypes into dashes, and turns text into
+// outlines.
 
 #include <unordered_map>
 
-#include "host/api/database.h"
 #include "host/api/block_reference.h"
+#include "host/api/database.h"
 #include "host/graphics/dasher.h"
 #include "host/graphics/display_list.h"
 
@@ -16,7 +17,7 @@ namespace drafthost::graphics {
 DisplayList buildDisplayList(const AcDbDatabase& database);
 
 class DisplayBuilder final : public AcGiWorldDraw, public AcGiWorldGeometry, public AcGiSubEntityTraits {
-  public:
+public:
     DisplayBuilder(const AcDbDatabase& database, double deviation);
     DisplayList take() { return std::move(list_); }
 
@@ -27,7 +28,8 @@ class DisplayBuilder final : public AcGiWorldDraw, public AcGiWorldGeometry, pub
     bool polyline(std::uint32_t count, const AcGePoint3d* points, const AcGeVector3d* normal,
                   std::int64_t marker) override;
     bool polygon(std::uint32_t count, const AcGePoint3d* points) override;
-    bool polyPolygon(std::uint32_t contourCount, const std::uint32_t* counts, const AcGePoint3d* points) override;
+    bool polyPolygon(std::uint32_t contourCount, const std::uint32_t* counts,
+                     const AcGePoint3d* points) override;
     bool circle(const AcGePoint3d& center, double radius, const AcGeVector3d& normal) override;
     bool circularArc(const AcGePoint3d& center, double radius, const AcGeVector3d& normal,
                      const AcGeVector3d& startDirection, double sweepAngle) override;
@@ -52,7 +54,7 @@ class DisplayBuilder final : public AcGiWorldDraw, public AcGiWorldGeometry, pub
     void setSelectionMarker(std::int64_t) override {}
     void setFill(bool filled) override { traits_.fill = filled; }
 
-  private:
+private:
     struct Traits {
         AcDbObjectId layer;     // null: layer "0"
         AcDbObjectId linetype;  // null: by layer
@@ -87,8 +89,8 @@ class DisplayBuilder final : public AcGiWorldDraw, public AcGiWorldGeometry, pub
     std::vector<double> currentPattern();
     void takeTraits(const AcDbEntity& entity);
     AcGePoint2d toPlan(const AcGePoint3d& point) const { return (transform_ * point).convert2d(); }
-    bool addArc(const AcGePoint3d& center, double radius, const AcGeVector3d& normal, const AcGeVector3d& start,
-                double sweep);
+    bool addArc(const AcGePoint3d& center, double radius, const AcGeVector3d& normal,
+                const AcGeVector3d& start, double sweep);
     void addLine(Polyline2d line);
     template <class Shape>
     void add(Shape shape);

@@ -1,7 +1,7 @@
 #pragma once
 
-// What a drawing looks like in plan view: coloured lines, arcs and filled areas in drawing order, ready to be painted at
-// any size. Coordinates are world coordinates with z dropped; colours and linetypes are resolved.
+// What a drawing looks like in plan view: coloured lines, arcs and filled areas in drawing order, ready to be
+// painted at any size. Coordinates are world coordinates with z dropped; colours and linetypes are resolved.
 
 #include <variant>
 #include <vector>

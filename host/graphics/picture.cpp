@@ -12,9 +12,9 @@ namespace drafthost::graphics {
 
 namespace {
 
-constexpr double kMargin = 0.03;       // of the longest side, on each side
-constexpr int kLeastSide = 200;        // pixels, so that a long thin drawing still makes a picture
-constexpr double kHairline = 1.25;     // pixels
+constexpr double kMargin = 0.03;          // of the longest side, on each side
+constexpr int kLeastSide = 200;           // pixels, so that a long thin drawing still makes a picture
+constexpr double kHairline = 1.25;        // pixels
 constexpr double kHairlineWeight = 0.25;  // millimetres drawn as a hairline
 
 std::wstring lowerExtension(const std::filesystem::path& path) {
@@ -28,27 +28,33 @@ bool writeText(const std::filesystem::path& path, const std::string& text, std::
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file.write(text.data(), static_cast<std::streamsize>(text.size()));
     file.close();
-    if (file) return true;
+    if (file)
+        return true;
     problem = L"the file could not be written";
     return false;
 }
 
 }  // namespace
 
-double strokePixels(float weight) { return kHairline * std::max(1.0, weight / kHairlineWeight * 0.8); }
+double strokePixels(float weight) {
+    return kHairline * std::max(1.0, weight / kHairlineWeight * 0.8);
+}
 
 PictureFrame fitPicture(const Bounds& given) {
     Bounds bounds = given;
-    if (!bounds.valid) bounds.add({0, 0});
+    if (!bounds.valid)
+        bounds.add({0, 0});
     double width = bounds.maxX - bounds.minX, height = bounds.maxY - bounds.minY;
     double longest = std::max(width, height);
-    if (!(longest > 0)) longest = 1;
+    if (!(longest > 0))
+        longest = 1;
     const double border = longest * kMargin;
     longest += 2 * border;
     PictureFrame frame;
     frame.scale = kPictureSize / longest;
     const auto pixels = [&](double side) {
-        return std::clamp(static_cast<int>(std::ceil((side + 2 * border) * frame.scale)), kLeastSide, kPictureSize);
+        return std::clamp(static_cast<int>(std::ceil((side + 2 * border) * frame.scale)), kLeastSide,
+                          kPictureSize);
     };
     frame.width = pixels(width);
     frame.height = pixels(height);
@@ -73,7 +79,8 @@ bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::w
     std::error_code failed;
     if (written) {
         std::filesystem::rename(temporary, target, failed);
-        if (!failed) return true;
+        if (!failed)
+            return true;
         problem = L"the file could not be replaced";
     }
     std::filesystem::remove(temporary, failed);

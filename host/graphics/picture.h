@@ -9,8 +9,9 @@
 
 namespace drafthost::graphics {
 
-// Writes a PNG or SVG, by the file's extension. The longest side has kPictureSize pixels. The file is written beside the
-// target and renamed over it, so that a failure leaves an existing picture. False: problem says why.
+// Writes a PNG or SVG, by the file's extension. The longest side has kPictureSize pixels. The file is written
+// beside the target and renamed over it, so that a failure leaves an existing picture. False: problem says
+// why.
 bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::wstring& problem);
 
 constexpr int kPictureSize = 1600;
@@ -32,6 +33,7 @@ double strokePixels(float weight);
 
 std::string svgText(const DisplayList& list, const PictureFrame& frame);
 // False: problem says why; a partly written file may be left for the caller to remove.
-bool writePng(const DisplayList& list, const PictureFrame& frame, const std::wstring& path, std::wstring& problem);
+bool writePng(const DisplayList& list, const PictureFrame& frame, const std::wstring& path,
+              std::wstring& problem);
 
 }  // namespace drafthost::graphics

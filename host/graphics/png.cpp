@@ -17,30 +17,33 @@ namespace {
 constexpr double kPixelDeviation = 0.08;
 
 class Painter {
-  public:
+public:
     Painter(Canvas& canvas, const PictureFrame& frame) : canvas_(canvas), frame_(frame) {}
     void paint(const DisplayItem& item) {
         item_ = &item;
         std::visit([this](const auto& shape) { paintShape(shape); }, item.shape);
     }
 
-  private:
+private:
     void paintShape(const Polyline2d& line) {
         points_.clear();
-        for (const AcGePoint2d& point : line.points) points_.push_back(frame_.toPixel(point));
+        for (const AcGePoint2d& point : line.points)
+            points_.push_back(frame_.toPixel(point));
         strokePoints();
     }
     void paintShape(const Arc2d& arc) {
         const int chords = chordCount(arc.radius * frame_.scale, arc.sweep, kPixelDeviation);
         points_.clear();
-        for (int i = 0; i <= chords; ++i) points_.push_back(frame_.toPixel(arc.at(double(i) / chords)));
+        for (int i = 0; i <= chords; ++i)
+            points_.push_back(frame_.toPixel(arc.at(double(i) / chords)));
         strokePoints();
     }
     void paintShape(const Area2d& area) {
         contours_.resize(area.contours.size());
         for (std::size_t i = 0; i < contours_.size(); ++i) {
             contours_[i].clear();
-            for (const AcGePoint2d& point : area.contours[i]) contours_[i].push_back(frame_.toPixel(point));
+            for (const AcGePoint2d& point : area.contours[i])
+                contours_[i].push_back(frame_.toPixel(point));
         }
         canvas_.fill(contours_, area.evenOdd ? FillRule::EvenOdd : FillRule::NonZero, item_->color);
     }
@@ -56,18 +59,19 @@ class Painter {
 // Owns one reference to a COM object.
 template <class T>
 class ComPointer {
-  public:
+public:
     ComPointer() = default;
     ComPointer(const ComPointer&) = delete;
     ComPointer& operator=(const ComPointer&) = delete;
     ~ComPointer() {
-        if (pointer_) pointer_->Release();
+        if (pointer_)
+            pointer_->Release();
     }
     T** out() { return &pointer_; }
     T* get() const { return pointer_; }
     T* operator->() const { return pointer_; }
 
-  private:
+private:
     T* pointer_ = nullptr;
 };
 
@@ -75,7 +79,8 @@ class ComPointer {
 struct ComSession {
     HRESULT result = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     ~ComSession() {
-        if (SUCCEEDED(result)) CoUninitialize();
+        if (SUCCEEDED(result))
+            CoUninitialize();
     }
 };
 
@@ -88,24 +93,29 @@ HRESULT encode(const Canvas& canvas, const std::wstring& path) {
     const UINT width = static_cast<UINT>(canvas.width()), height = static_cast<UINT>(canvas.height());
     std::vector<BYTE> bytes;
     bytes.reserve(canvas.pixels().size() * 3);
-    for (const Rgb& pixel : canvas.pixels()) bytes.insert(bytes.end(), {pixel.blue, pixel.green, pixel.red});
+    for (const Rgb& pixel : canvas.pixels())
+        bytes.insert(bytes.end(), {pixel.blue, pixel.green, pixel.red});
 
-    HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                                      reinterpret_cast<void**>(factory.out()));
+    HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                                      IID_IWICImagingFactory, reinterpret_cast<void**>(factory.out()));
     const auto then = [&result](auto&& step) {
-        if (SUCCEEDED(result)) result = step();
+        if (SUCCEEDED(result))
+            result = step();
     };
     then([&] { return factory->CreateStream(stream.out()); });
     then([&] { return stream->InitializeFromFilename(path.c_str(), GENERIC_WRITE); });
     then([&] { return factory->CreateEncoder(GUID_ContainerFormatPng, nullptr, encoder.out()); });
-    then([&] { return encoder->Initialize(reinterpret_cast<IStream*>(stream.get()), WICBitmapEncoderNoCache); });
+    then([&] {
+        return encoder->Initialize(reinterpret_cast<IStream*>(stream.get()), WICBitmapEncoderNoCache);
+    });
     then([&] { return encoder->CreateNewFrame(image.out(), nullptr); });
     then([&] { return image->Initialize(nullptr); });
     then([&] { return image->SetSize(width, height); });
     WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
     then([&] { return image->SetPixelFormat(&format); });
     then([&] { return IsEqualGUID(format, GUID_WICPixelFormat24bppBGR) ? S_OK : E_FAIL; });
-    then([&] { return image->WritePixels(height, width * 3, static_cast<UINT>(bytes.size()), bytes.data()); });
+    then(
+        [&] { return image->WritePixels(height, width * 3, static_cast<UINT>(bytes.size()), bytes.data()); });
     then([&] { return image->Commit(); });
     then([&] { return encoder->Commit(); });
     return result;
@@ -113,14 +123,18 @@ HRESULT encode(const Canvas& canvas, const std::wstring& path) {
 
 }  // namespace
 
-bool writePng(const DisplayList& list, const PictureFrame& frame, const std::wstring& path, std::wstring& problem) {
+bool writePng(const DisplayList& list, const PictureFrame& frame, const std::wstring& path,
+              std::wstring& problem) {
     Canvas canvas(frame.width, frame.height, kBackground);
     Painter painter(canvas, frame);
-    for (const DisplayItem& item : list.items) painter.paint(item);
+    for (const DisplayItem& item : list.items)
+        painter.paint(item);
     const HRESULT result = encode(canvas, path);
-    if (SUCCEEDED(result)) return true;
+    if (SUCCEEDED(result))
+        return true;
     wchar_t text[64];
-    swprintf(text, 64, L"the PNG could not be encoded or written (0x%08lX)", static_cast<unsigned long>(result));
+    swprintf(text, 64, L"the PNG could not be encoded or written (0x%08lX)",
+             static_cast<unsigned long>(result));
     problem = text;
     return false;
 }

@@ -9,12 +9,13 @@ namespace drafthost::graphics {
 namespace {
 
 class SvgWriter {
-  public:
+public:
     explicit SvgWriter(const PictureFrame& frame) : frame_(frame) {
-        text_ = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + std::to_string(frame.width) + "\" height=\"" +
-                std::to_string(frame.height) + "\" viewBox=\"0 0 " + std::to_string(frame.width) + ' ' +
-                std::to_string(frame.height) + "\">\n<rect width=\"100%\" height=\"100%\" fill=\"" +
-                colorText(kBackground) + "\"/>\n<g fill=\"none\" stroke-linecap=\"round\" stroke-linejoin=\"round\">\n";
+        text_ = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + std::to_string(frame.width) +
+                "\" height=\"" + std::to_string(frame.height) + "\" viewBox=\"0 0 " +
+                std::to_string(frame.width) + ' ' + std::to_string(frame.height) +
+                "\">\n<rect width=\"100%\" height=\"100%\" fill=\"" + colorText(kBackground) +
+                "\"/>\n<g fill=\"none\" stroke-linecap=\"round\" stroke-linejoin=\"round\">\n";
     }
     std::string finish() {
         closePath();
@@ -32,7 +33,7 @@ class SvgWriter {
         std::visit([this](const auto& shape) { addShape(shape); }, item.shape);
     }
 
-  private:
+private:
     static std::string colorText(Rgb color) {
         constexpr char kDigits[] = "0123456789abcdef";
         std::string text = "#";
@@ -44,10 +45,13 @@ class SvgWriter {
     }
     static std::string number(double value) {
         char buffer[40];
-        const auto end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 2).ptr;
+        const auto end =
+            std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 2).ptr;
         std::string text(buffer, end);
-        while (text.back() == '0') text.pop_back();
-        if (text.back() == '.') text.pop_back();
+        while (text.back() == '0')
+            text.pop_back();
+        if (text.back() == '.')
+            text.pop_back();
         return text == "-0" ? "0" : text;
     }
     static std::string lineStyle(Rgb color, float weight) {
@@ -57,7 +61,8 @@ class SvgWriter {
         return "fill=\"" + colorText(color) + (evenOdd ? "\" fill-rule=\"evenodd\"" : "\"");
     }
     void closePath() {
-        if (!style_.empty()) text_ += "\"/>\n";
+        if (!style_.empty())
+            text_ += "\"/>\n";
         style_.clear();
     }
     void point(char command, const AcGePoint2d& plan) {
@@ -66,16 +71,19 @@ class SvgWriter {
         text_ += number(pixel.x) + ' ' + number(pixel.y);
     }
     void addPoints(const std::vector<AcGePoint2d>& points) {
-        for (std::size_t i = 0; i < points.size(); ++i) point(i ? 'L' : 'M', points[i]);
+        for (std::size_t i = 0; i < points.size(); ++i)
+            point(i ? 'L' : 'M', points[i]);
     }
     void addShape(const Polyline2d& line) {
         addPoints(line.points);
         // A dot is a line of no length: round caps make it visible, but only for a path that moves.
-        if (line.points.size() == 1) point('L', line.points[0]);
+        if (line.points.size() == 1)
+            point('L', line.points[0]);
     }
     void addShape(const Area2d& area) {
         for (const auto& contour : area.contours) {
-            if (contour.size() < 3) continue;
+            if (contour.size() < 3)
+                continue;
             addPoints(contour);
             text_ += 'Z';
         }
@@ -101,7 +109,8 @@ class SvgWriter {
 
 std::string svgText(const DisplayList& list, const PictureFrame& frame) {
     SvgWriter writer(frame);
-    for (const DisplayItem& item : list.items) writer.add(item);
+    for (const DisplayItem& item : list.items)
+        writer.add(item);
     return writer.finish();
 }
 

@@ -5,4 +5,6 @@ AcGiSubEntityTraits::~AcGiSubEntityTraits() = default;
 AcGiWorldGeometry::~AcGiWorldGeometry() = default;
 AcGiWorldDraw::~AcGiWorldDraw() = default;
 
-bool AcGiDrawable::worldDraw(AcGiWorldDraw* worldDraw) { return worldDraw && subWorldDraw(worldDraw); }
+bool AcGiDrawable::worldDraw(AcGiWorldDraw* worldDraw) {
+    return worldDraw && subWorldDraw(worldDraw);
+}

@@ -93,4 +93,4 @@ Point pointOf(Value value) {
     return Point{coordinates[0], coordinates[1], coordinates[2], count};
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -44,16 +44,16 @@ public:
     const Value* begin() const { return first_; }
     const Value* end() const { return first_ + count_; }
 
-    std::int32_t integer(std::size_t index) const;       // fixnump:
-    double real(std::size_t index) const;                // numberp: (integers are widened)
-    const std::wstring& string(std::size_t index) const; // stringp
-    Value list(std::size_t index) const;                 // listp: nil or a pair
-    Value pair(std::size_t index) const;                 // consp
-    Symbol* symbol(std::size_t index) const;             // symbolp
-    Point point(std::size_t index) const;                // 2D/3D point:
-    EntityName entityName(std::size_t index) const;      // lentityp
-    const std::shared_ptr<SelectionSetBase>& selectionSet(std::size_t index) const; // lselsetp
-    FileObject& file(std::size_t index) const;                                      // streamp
+    std::int32_t integer(std::size_t index) const;        // fixnump:
+    double real(std::size_t index) const;                 // numberp: (integers are widened)
+    const std::wstring& string(std::size_t index) const;  // stringp
+    Value list(std::size_t index) const;                  // listp: nil or a pair
+    Value pair(std::size_t index) const;                  // consp
+    Symbol* symbol(std::size_t index) const;              // symbolp
+    Point point(std::size_t index) const;                 // 2D/3D point:
+    EntityName entityName(std::size_t index) const;       // lentityp
+    const std::shared_ptr<SelectionSetBase>& selectionSet(std::size_t index) const;  // lselsetp
+    FileObject& file(std::size_t index) const;                                       // streamp
 
     // the same with a value for an argument that is missing or nil
     std::int32_t integerOr(std::size_t index, std::int32_t fallback) const {
@@ -72,4 +72,4 @@ private:
 // A list of two or three numbers as a point; anything else raises "bad argument type: 2D/3D point: ...".
 Point pointOf(Value value);
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -77,4 +77,4 @@ enum class Operation : Word {
 };
 // clang-format on
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

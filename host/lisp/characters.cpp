@@ -36,7 +36,7 @@ wchar_t changed(wchar_t character, bool fromCapital) {
     return character;
 }
 
-} // namespace
+}  // namespace
 
 wchar_t toUpper(wchar_t character) {
     if (character < 0x80) {
@@ -70,4 +70,4 @@ bool isLetter(wchar_t character) {
     return character >= 0xC0 && character != 0xD7 && character != 0xF7;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

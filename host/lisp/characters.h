@@ -16,4 +16,4 @@ bool isDigit(wchar_t character);
 // ASCII letters, and everything beyond Latin-1's punctuation
 bool isLetter(wchar_t character);
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

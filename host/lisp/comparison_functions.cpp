@@ -87,10 +87,10 @@ constexpr BuiltinDefinition table[] = {
     {L"null", isNil, 1, 1, L"(null value) -> T for nil"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> comparisonFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

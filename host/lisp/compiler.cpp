@@ -30,8 +30,8 @@ enum class InlineKind : std::uint8_t { arithmetic, comparison, unary, construct 
 struct InlinedFunction {
     std::wstring_view name;
     InlineKind kind;
-    Operation operation; // for a comparison, the one that leaves T or nil
-    Operation branch;    // comparisons only
+    Operation operation;  // for a comparison, the one that leaves T or nil
+    Operation branch;     // comparisons only
 };
 
 constexpr InlinedFunction inlinedFunctions[] = {
@@ -69,7 +69,7 @@ bool isProperListOfLength(Value list, std::size_t length) {
     return list.isNil();
 }
 
-} // namespace
+}  // namespace
 
 Compiler::Compiler(Interpreter& interpreter, UserFunctionObject& target)
     : interpreter_(interpreter), target_(target) {}
@@ -284,7 +284,7 @@ bool Compiler::jumpOnComparison(Value form, Label& label) {
 
 // `and` and `or` as conditions: no value is made. They mirror each other.
 void Compiler::jumpOnJunction(Value forms, bool isAnd, bool sense, Label& label) {
-    if (sense != isAnd) { // any element decides, and then the jump is taken
+    if (sense != isAnd) {  // any element decides, and then the jump is taken
         for (; forms.isPair(); forms = forms.cdr()) {
             jumpWhen(forms.car(), sense, label);
         }
@@ -330,4 +330,4 @@ void Compiler::jumpWhen(Value form, bool sense, Label& label) {
     emitJump(sense ? Operation::JumpIfTrue : Operation::JumpIfNil, label);
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -82,4 +82,4 @@ struct SpecialForm {
 };
 std::span<const SpecialForm> specialForms();
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

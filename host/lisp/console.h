@@ -57,4 +57,4 @@ public:
     virtual std::optional<std::wstring> readText(const std::filesystem::path& path);
 };
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -116,10 +116,10 @@ constexpr BuiltinDefinition table[] = {
     {L"vl-load-com", nothing, 0, 0, L"(vl-load-com) -> nil; nothing has to be loaded"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> controlFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

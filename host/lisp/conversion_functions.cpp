@@ -111,10 +111,10 @@ constexpr BuiltinDefinition table[] = {
     {L"rtos", lengthToText, 1, 3, L"(rtos length [units [precision]]) -> length as text; units 1 to 5"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> conversionFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -1,5 +1,6 @@
 // Entities as association lists: entget, entmake and their relatives.
 
+#include "host/database/entity_data.h"
 #include "host/documents/document.h"
 #include "host/editor/value_conversion.h"
 #include "host/lisp/drawing_functions.h"
@@ -9,6 +10,12 @@ namespace drafthost::lisp {
 namespace {
 
 using editor::ValueList;
+
+// The answer nil, with the reason in the system variable ERRNO.
+Value refused(Interpreter& interpreter) {
+    interpreter.attached<Document>().variables().set(L"ERRNO", lastEntityProblem().number);
+    return {};
+}
 
 // The two words of an entity name argument.
 struct Name {
@@ -25,7 +32,7 @@ struct Name {
     }
     // The name when the host's call went well.
     Value valueOf(int status, Interpreter& interpreter) const {
-        return status == RTNORM ? value(interpreter) : Value();
+        return status == RTNORM ? value(interpreter) : refused(interpreter);
     }
 };
 
@@ -44,12 +51,12 @@ Value entget(Interpreter& interpreter, Arguments arguments) {
     const Name name(arguments, 0);
     const ValueList applications = applicationNames(arguments.has(1) ? arguments.list(1) : Value());
     const ValueList groups(acdbEntGetX(name.words, applications.get()));
-    return editor::valueFromGroups(interpreter, groups.get());
+    return groups ? editor::valueFromGroups(interpreter, groups.get()) : refused(interpreter);
 }
 
-Value entmake(Interpreter&, Arguments arguments) {
+Value entmake(Interpreter& interpreter, Arguments arguments) {
     const ValueList groups = editor::groupsFromValue(arguments.list(0));
-    return acdbEntMake(groups.get()) == RTNORM ? arguments[0] : Value();
+    return acdbEntMake(groups.get()) == RTNORM ? arguments[0] : refused(interpreter);
 }
 
 Value entmakex(Interpreter& interpreter, Arguments arguments) {
@@ -58,17 +65,17 @@ Value entmakex(Interpreter& interpreter, Arguments arguments) {
     return name.valueOf(acdbEntMakeX(groups.get(), name.words), interpreter);
 }
 
-Value entmod(Interpreter&, Arguments arguments) {
+Value entmod(Interpreter& interpreter, Arguments arguments) {
     const ValueList groups = editor::groupsFromValue(arguments.list(0));
-    return acdbEntMod(groups.get()) == RTNORM ? arguments[0] : Value();
+    return acdbEntMod(groups.get()) == RTNORM ? arguments[0] : refused(interpreter);
 }
 
-Value entdel(Interpreter&, Arguments arguments) {
-    return acdbEntDel(Name(arguments, 0).words) == RTNORM ? arguments[0] : Value();
+Value entdel(Interpreter& interpreter, Arguments arguments) {
+    return acdbEntDel(Name(arguments, 0).words) == RTNORM ? arguments[0] : refused(interpreter);
 }
 
-Value entupd(Interpreter&, Arguments arguments) {
-    return acdbEntUpd(Name(arguments, 0).words) == RTNORM ? arguments[0] : Value();
+Value entupd(Interpreter& interpreter, Arguments arguments) {
+    return acdbEntUpd(Name(arguments, 0).words) == RTNORM ? arguments[0] : refused(interpreter);
 }
 
 Value entnext(Interpreter& interpreter, Arguments arguments) {
@@ -96,21 +103,15 @@ constexpr int kLargestXdata = 16383;
 
 int sizeOf(const resbuf& node) {
     switch (acutResultKind(node.restype)) {
-    case ResultKind::Real:
-        return 2 + 8;
-    case ResultKind::Point:
-        return 2 + 24;
-    case ResultKind::Short:
-        return 2 + 2;
-    case ResultKind::Long:
-        return 2 + 4;
-    case ResultKind::String:
-    case ResultKind::Handle:
-        return 2 + 2 + 2 * static_cast<int>(std::char_traits<wchar_t>::length(node.resval.rstring));
-    case ResultKind::Binary:
-        return 2 + 1 + node.resval.rbinary.clen;
-    default:
-        return 2;
+        case ResultKind::Real: return 2 + 8;
+        case ResultKind::Point: return 2 + 24;
+        case ResultKind::Short: return 2 + 2;
+        case ResultKind::Long: return 2 + 4;
+        case ResultKind::String:
+        case ResultKind::Handle:
+            return 2 + 2 + 2 * static_cast<int>(std::char_traits<wchar_t>::length(node.resval.rstring));
+        case ResultKind::Binary: return 2 + 1 + node.resval.rbinary.clen;
+        default: return 2;
     }
 }
 
@@ -157,10 +158,10 @@ constexpr BuiltinDefinition kTable[] = {
     {L"xdroom", xdroom, 1, 1, L"(xdroom name) -> bytes left for extended data"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> drawingEntityFunctions() {
     return kTable;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -10,4 +10,4 @@ void defineDrawingFunctions(Interpreter& interpreter) {
     }
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

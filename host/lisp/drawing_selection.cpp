@@ -157,10 +157,10 @@ constexpr BuiltinDefinition kTable[] = {
     {L"ssgetfirst", ssgetfirst, 0, 0, L"(ssgetfirst) -> (nil pickset)"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> drawingSelectionFunctions() {
     return kTable;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -183,10 +183,10 @@ constexpr BuiltinDefinition kTable[] = {
     {L"ver", ver, 0, 0, L"(ver) -> version of the LISP"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> drawingSettingFunctions() {
     return kTable;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

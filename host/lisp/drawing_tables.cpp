@@ -39,7 +39,7 @@ Value namedobjdict(Interpreter& interpreter, Arguments) {
 }
 
 AcDbObjectId idArgument(Arguments arguments, std::size_t index) {
-    arguments.entityName(index); // raises for other values
+    arguments.entityName(index);  // raises for other values
     return editor::entityOf(arguments[index]);
 }
 
@@ -139,10 +139,10 @@ constexpr BuiltinDefinition kTable[] = {
     {L"snvalid", snvalid, 1, 2, L"(snvalid name) -> T when the name can be a symbol table record's"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> drawingTableFunctions() {
     return kTable;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -28,7 +28,7 @@ LispError currentError() {
     }
 }
 
-} // namespace
+}  // namespace
 
 Value Interpreter::call(Value function, std::span<const Value> arguments) {
     return machine_->call(function, arguments);
@@ -173,7 +173,7 @@ std::size_t endOfString(std::wstring_view text, std::size_t from) {
     return std::wstring_view::npos;
 }
 
-} // namespace
+}  // namespace
 
 InputState Interpreter::inputState(std::wstring_view text) {
     int open = 0;
@@ -188,7 +188,7 @@ InputState Interpreter::inputState(std::wstring_view text) {
         } else {
             open += character == L'(' ? 1 : character == L')' ? -1 : 0;
             ++index;
-            if (open < 0) { // reading will report it
+            if (open < 0) {  // reading will report it
                 return InputState::complete;
             }
         }
@@ -199,4 +199,4 @@ InputState Interpreter::inputState(std::wstring_view text) {
     return open > 0 ? InputState::incomplete : InputState::complete;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

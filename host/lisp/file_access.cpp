@@ -20,7 +20,7 @@ public:
     bool isOpen() const { return file_.is_open(); }
 
     std::optional<std::wstring> readLine() override {
-        if (next_ < line_.size()) { // what readCharacter left
+        if (next_ < line_.size()) {  // what readCharacter left
             std::wstring rest = line_.substr(next_);
             next_ = line_.size();
             if (!rest.empty() && rest.back() == L'\n') {
@@ -69,7 +69,7 @@ private:
     }
 
     std::ifstream file_;
-    std::wstring line_; // for readCharacter
+    std::wstring line_;  // for readCharacter
     std::size_t next_ = 0;
     bool atStart_ = true;
 };
@@ -97,7 +97,7 @@ std::string narrowName(std::wstring_view name) {
     return toUtf8(name);
 }
 
-} // namespace
+}  // namespace
 
 std::optional<std::filesystem::path> FileAccess::resolveProgram(std::wstring_view name) {
     std::filesystem::path path = resolvePath(name);
@@ -167,4 +167,4 @@ void FileAccess::setEnvironment(std::wstring_view name, std::wstring_view value)
 #endif
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

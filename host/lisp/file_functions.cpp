@@ -72,10 +72,10 @@ constexpr BuiltinDefinition table[] = {
     {L"read-line", readLine, 0, 1, L"(read-line [file]) -> next line or nil"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> fileFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

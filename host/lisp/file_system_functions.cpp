@@ -137,9 +137,9 @@ Value directoryFiles(Interpreter& interpreter, Arguments arguments) {
 // --- names -------------------------------------------------------------------------------------------
 
 struct NameParts {
-    std::wstring directory; // with neither the last separator, except that of a drive's root
+    std::wstring directory;  // with neither the last separator, except that of a drive's root
     std::wstring base;
-    std::wstring extension; // with the dot
+    std::wstring extension;  // with the dot
 };
 
 NameParts split(const std::wstring& name) {
@@ -210,10 +210,10 @@ constexpr BuiltinDefinition table[] = {
     {L"vl-mkdir", makeDirectory, 1, 1, L"(vl-mkdir name) -> T when the folder was made"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> fileSystemFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

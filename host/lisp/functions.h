@@ -21,7 +21,7 @@ using SpecialFormCompiler = void (*)(Compiler& compiler, Value form, bool wantVa
 // called as a function (apply 'and ...) `function` is used.
 struct BuiltinObject final : Object {
     BuiltinDefinition definition;
-    SpecialFormCompiler compile; // null for ordinary functions
+    SpecialFormCompiler compile;  // null for ordinary functions
 
     explicit BuiltinObject(const BuiltinDefinition& row, SpecialFormCompiler specialForm = nullptr)
         : Object(Type::builtin), definition(row), compile(specialForm) {}
@@ -46,16 +46,16 @@ struct ExternalObject final : Object {
 
 // A USUBR: byte code with the symbols it binds. Text evaluated at top level is one without parameters.
 struct UserFunctionObject final : Object {
-    std::vector<std::uint64_t> code; // bytecode.h
-    std::vector<Value> constants;    // the values in the code, for the collector
-    std::vector<Symbol*> variables;  // parameters, then locals
+    std::vector<std::uint64_t> code;  // bytecode.h
+    std::vector<Value> constants;     // the values in the code, for the collector
+    std::vector<Symbol*> variables;   // parameters, then locals
     std::uint32_t parameterCount = 0;
-    std::uint32_t stackNeeded = 0; // values of the stack the code uses at most
-    Symbol* name = nullptr;        // null for lambda
-    Value definition;              // (parameters body...) as written
+    std::uint32_t stackNeeded = 0;  // values of the stack the code uses at most
+    Symbol* name = nullptr;         // null for lambda
+    Value definition;               // (parameters body...) as written
 
     UserFunctionObject() : Object(Type::userFunction) {}
     void trace(Heap& heap) const override;
 };
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

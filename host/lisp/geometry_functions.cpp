@@ -98,10 +98,10 @@ constexpr BuiltinDefinition table[] = {
     {L"polar", polar, 3, 3, L"(polar p angle distance) -> point in this direction and distance"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> geometryFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -15,7 +15,7 @@ constexpr std::size_t pairsPerBlock = (blockBytes - bitmapWords * sizeof(std::ui
 // Small programs finish without any collection; large ones collect when the heap has doubled.
 constexpr std::size_t minimumThreshold = 8 * 1024 * 1024;
 
-} // namespace
+}  // namespace
 
 // Blocks are aligned to their size, so that the block of a pair is its address rounded down.
 struct Heap::Block {
@@ -169,7 +169,7 @@ void Heap::propagateMarks() {
 void Heap::sweepObjects() {
     std::size_t kept = 0;
     std::vector<Object*>
-        dead; // released last: what a destructor of the host's does must find the heap in order
+        dead;  // released last: what a destructor of the host's does must find the heap in order
     for (Object* object : objects_) {
         if (object->marked) {
             object->marked = false;
@@ -216,4 +216,4 @@ AllocationStatistics Heap::statistics() const {
     return result;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

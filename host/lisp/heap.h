@@ -104,4 +104,4 @@ private:
     std::uint32_t collectFlag_;
 };
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -76,10 +76,10 @@ constexpr BuiltinDefinition kTable[] = {
      L"(command-s word ...) -> nil; the command must end with the words"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> inputCommandFunctions() {
     return kTable;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -38,14 +38,10 @@ InputRequest requestOf(Kind kind, Arguments arguments) {
 template <class Make>
 Value answered(Interpreter& interpreter, const InputResult& answer, Make make) {
     switch (answer.status) {
-    case RTNORM:
-        return make(answer);
-    case RTKWORD:
-        return interpreter.string(answer.text);
-    case RTCAN:
-        raiseCancelled();
-    default:
-        return {};
+        case RTNORM: return make(answer);
+        case RTKWORD: return interpreter.string(answer.text);
+        case RTCAN: raiseCancelled();
+        default: return {};
     }
 }
 
@@ -239,10 +235,10 @@ constexpr BuiltinDefinition kTable[] = {
      L"(acad_colordlg index [bylayer]) -> index typed at the command line, or nil"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> inputPromptFunctions() {
     return kTable;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

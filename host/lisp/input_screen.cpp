@@ -42,10 +42,10 @@ constexpr BuiltinDefinition kTable[] = {
     {L"setfunhelp", firstArgument, 1, 4, L"(setfunhelp name [file [topic [command]]]) -> name"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> inputScreenFunctions() {
     return kTable;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

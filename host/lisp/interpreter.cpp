@@ -42,7 +42,7 @@ void Interpreter::defineLanguage() {
     t_.asSymbol()->value = t_;
     nullSymbol_ = Value::symbol(symbols_->intern(L""));
     setSymbolValue(L"PI", Value::real(std::numbers::pi));
-    const Value pause = string(L"\\"); // what `command` takes for the drafter's input
+    const Value pause = string(L"\\");  // what `command` takes for the drafter's input
     setSymbolValue(L"PAUSE", pause);
     for (const SpecialForm& row : specialForms()) {
         builtins_.push_back(row.definition);
@@ -201,7 +201,7 @@ std::wstring printed(Value value, PrintStyle style, std::size_t limit) {
     return text;
 }
 
-} // namespace
+}  // namespace
 
 std::wstring Interpreter::prin1ToString(Value value) {
     return printed(value, PrintStyle::readable, limits_.stringLength);
@@ -255,4 +255,4 @@ void Interpreter::setCollectAtEverySafePoint(bool everySafePoint) {
     }
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -45,42 +45,42 @@ inline constexpr int anyNumber = -1;
 
 // One row of a table of built-in functions. The strings are literals: they must outlive the interpreter.
 struct BuiltinDefinition {
-    const wchar_t* name; // as usually written, in lower case: L"strcat"
+    const wchar_t* name;  // as usually written, in lower case: L"strcat"
     BuiltinFunction function;
     int minimumArguments;
-    int maximumArguments;         // anyNumber: no upper bound
-    const wchar_t* documentation; // L"(strcat [string ...]) -> joined string"
+    int maximumArguments;          // anyNumber: no upper bound
+    const wchar_t* documentation;  // L"(strcat [string ...]) -> joined string"
 };
 
 struct Limits {
-    std::size_t frames = 20'000;                 // nested calls of user functions
-    std::size_t valueStack = 512 * 1024;         // values
-    std::size_t nativeStack = 1024 * 1024;       // bytes of the thread's stack, counted from the outermost
-                                                 // evaluation; must fit the stack of the calling thread
-    std::size_t stringLength = 64 * 1024 * 1024; // characters of one string
+    std::size_t frames = 20'000;                  // nested calls of user functions
+    std::size_t valueStack = 512 * 1024;          // values
+    std::size_t nativeStack = 1024 * 1024;        // bytes of the thread's stack, counted from the outermost
+                                                  // evaluation; must fit the stack of the calling thread
+    std::size_t stringLength = 64 * 1024 * 1024;  // characters of one string
 };
 
 // Totals since the interpreter was made, and the state after the last collection.
 struct AllocationStatistics {
     std::uint64_t pairs = 0;
-    std::uint64_t objects = 0; // strings, functions, entity names...
+    std::uint64_t objects = 0;  // strings, functions, entity names...
     std::uint64_t collections = 0;
-    std::uint64_t livePairs = 0;   // at the last collection
-    std::uint64_t liveObjects = 0; // at the last collection
-    std::uint64_t heapBytes = 0;   // held now
+    std::uint64_t livePairs = 0;    // at the last collection
+    std::uint64_t liveObjects = 0;  // at the last collection
+    std::uint64_t heapBytes = 0;    // held now
 };
 
 // How an evaluation at top level ended. An error has then already been given to *error* or printed.
 struct Outcome {
     bool succeeded = true;
-    Value value; // of the last form; nil after an error. Not rooted: use it before evaluating again
+    Value value;  // of the last form; nil after an error. Not rooted: use it before evaluating again
     ErrorKind errorKind = ErrorKind::ordinary;
-    std::wstring message; // empty when succeeded
+    std::wstring message;  // empty when succeeded
 };
 
 enum class InputState {
-    complete,   // can be evaluated
-    incomplete, // a parenthesis, string or comment is still open: ask for more
+    complete,    // can be evaluated
+    incomplete,  // a parenthesis, string or comment is still open: ask for more
 };
 
 class Interpreter {
@@ -310,4 +310,4 @@ private:
     Pair* last_ = nullptr;
 };
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -20,7 +20,7 @@ std::wstring shown(Value value) {
     return text;
 }
 
-} // namespace
+}  // namespace
 
 LispError::LispError(std::wstring message, ErrorKind kind)
     : message_(std::move(message)), narrow_(toUtf8(message_)), kind_(kind) {}
@@ -54,4 +54,4 @@ void raiseCancelled() {
     throw LispError(L"Function cancelled", ErrorKind::cancelled);
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

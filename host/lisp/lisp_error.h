@@ -13,10 +13,10 @@ namespace drafthost::lisp {
 
 enum class ErrorKind : std::uint8_t {
     ordinary,
-    exit,      // exit and quit
-    cancelled, // Interpreter::requestCancel, or the drafter pressed Esc at a prompt
-    hardLimit, // recursion too deep
-    reader,    // the program text is malformed
+    exit,       // exit and quit
+    cancelled,  // Interpreter::requestCancel, or the drafter pressed Esc at a prompt
+    hardLimit,  // recursion too deep
+    reader,     // the program text is malformed
 };
 
 // Carries the text that `*error*` receives, without the leading "; error: ".
@@ -56,4 +56,4 @@ private:
 // "Function cancelled", kind cancelled: what a prompt raises when the drafter presses Esc
 [[noreturn]] void raiseCancelled();
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -58,10 +58,10 @@ constexpr BuiltinDefinition table[] = {
     {L"cddddr", access<'d', 'd', 'd', 'd'>, 1, 1, L"(cddddr list) -> all but the first four elements"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> listAccessFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -208,10 +208,10 @@ constexpr BuiltinDefinition table[] = {
     {L"vl-remove", removeAll, 2, 2, L"(vl-remove value list) -> list without the equal elements"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> listFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

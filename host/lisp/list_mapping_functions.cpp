@@ -189,10 +189,10 @@ constexpr BuiltinDefinition table[] = {
     {L"vl-sort-i", sortIndices, 2, 2, L"(vl-sort-i list f) -> indices of the elements in sorted order"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> listMappingFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -19,7 +19,7 @@ constexpr std::size_t valueHeadroom = 4096;
 constexpr std::size_t bindingHeadroom = 4096;
 constexpr std::size_t frameHeadroom = 200;
 
-} // namespace
+}  // namespace
 
 Machine::Machine(Interpreter& interpreter, const Limits& limits)
     : interpreter_(interpreter), values_(limits.valueStack + valueHeadroom),
@@ -114,7 +114,7 @@ UserFunctionObject* Machine::compiledList(Value list) {
     if (const auto found = compiledLists_.find(list.asPair()); found != compiledLists_.end()) {
         return found->second;
     }
-    Value description = list; // (parameters body...)
+    Value description = list;  // (parameters body...)
     if (list.car() == interpreter_.symbol(L"LAMBDA")) {
         description = list.cdr();
     }
@@ -321,7 +321,7 @@ inline const Word* jump(const Word* distance) {
     return distance + 1 + static_cast<std::ptrdiff_t>(static_cast<std::int64_t>(*distance));
 }
 
-} // namespace
+}  // namespace
 
 // --- the evaluator ------------------------------------------------------------------------------------
 
@@ -642,4 +642,4 @@ ConsStack:
 #undef UNARY
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -132,4 +132,4 @@ private:
     std::vector<BuiltinObject*> allBuiltins_;
 };
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

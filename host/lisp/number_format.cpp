@@ -13,7 +13,7 @@ namespace drafthost::lisp {
 namespace {
 
 constexpr int mostDecimals = 16;
-constexpr int mostFractionBits = 8; // 1/256
+constexpr int mostFractionBits = 8;  // 1/256
 constexpr double pi = std::numbers::pi;
 
 // Beyond this a fraction of an inch is below the precision of the number.
@@ -123,7 +123,7 @@ std::wstring engineering(double length, int decimals, ZeroSuppression zeros) {
     const double size = std::abs(length);
     std::int64_t feet = static_cast<std::int64_t>(size / 12);
     std::wstring inches = decimal(size - 12 * static_cast<double>(feet), decimals, zeros);
-    if (inches.starts_with(L"12")) { // rounded up to the next foot
+    if (inches.starts_with(L"12")) {  // rounded up to the next foot
         ++feet;
         inches = decimal(0, decimals, zeros);
     }
@@ -167,7 +167,7 @@ double withinOneTurn(double radians) {
     return rest < 0 ? rest + 2 * pi : rest;
 }
 
-} // namespace
+}  // namespace
 
 std::wstring formatLength(double length, LengthNotation notation, int precision, ZeroSuppression zeros) {
     if (!std::isfinite(length)) {
@@ -177,17 +177,13 @@ std::wstring formatLength(double length, LengthNotation notation, int precision,
     const int bits = std::clamp(precision, 0, mostFractionBits);
     const bool huge = std::abs(length) > largestFractional;
     switch (huge ? LengthNotation::scientific : notation) {
-    case LengthNotation::scientific:
-        return huge && notation == LengthNotation::decimal ? decimal(length, decimals, zeros)
-                                                           : scientific(length, decimals, zeros);
-    case LengthNotation::engineering:
-        return engineering(length, decimals, zeros);
-    case LengthNotation::architectural:
-        return architectural(length, bits, zeros);
-    case LengthNotation::fractional:
-        return fractional(length, bits);
-    default:
-        return decimal(length, decimals, zeros);
+        case LengthNotation::scientific:
+            return huge && notation == LengthNotation::decimal ? decimal(length, decimals, zeros)
+                                                               : scientific(length, decimals, zeros);
+        case LengthNotation::engineering: return engineering(length, decimals, zeros);
+        case LengthNotation::architectural: return architectural(length, bits, zeros);
+        case LengthNotation::fractional: return fractional(length, bits);
+        default: return decimal(length, decimals, zeros);
     }
 }
 
@@ -198,16 +194,12 @@ std::wstring formatAngle(double radians, AngleNotation notation, int precision, 
     const double angle = withinOneTurn(radians);
     const int decimals = std::clamp(precision, 0, mostDecimals);
     switch (notation) {
-    case AngleNotation::degreesMinutesSeconds:
-        return degreesMinutesSeconds(angle * 180 / pi, std::min(decimals, 8), zeros);
-    case AngleNotation::grads:
-        return decimal(angle * 200 / pi, decimals, zeros) + L"g";
-    case AngleNotation::radians:
-        return decimal(angle, decimals, zeros) + L"r";
-    case AngleNotation::surveyor:
-        return surveyor(angle * 180 / pi, std::min(decimals, 8), zeros);
-    default:
-        return decimal(angle * 180 / pi, decimals, zeros);
+        case AngleNotation::degreesMinutesSeconds:
+            return degreesMinutesSeconds(angle * 180 / pi, std::min(decimals, 8), zeros);
+        case AngleNotation::grads: return decimal(angle * 200 / pi, decimals, zeros) + L"g";
+        case AngleNotation::radians: return decimal(angle, decimals, zeros) + L"r";
+        case AngleNotation::surveyor: return surveyor(angle * 180 / pi, std::min(decimals, 8), zeros);
+        default: return decimal(angle * 180 / pi, decimals, zeros);
     }
 }
 
@@ -233,7 +225,7 @@ public:
     }
     bool take(wchar_t character) {
         const bool found = !rest_.empty() && (rest_.front() == character ||
-                                              (rest_.front() | 0x20) == character); // letters in either case
+                                              (rest_.front() | 0x20) == character);  // letters in either case
         if (found) {
             rest_.remove_prefix(1);
         }
@@ -318,7 +310,7 @@ std::optional<double> takeDegrees(Scanner& scanner, AngleNotation notation) {
     return value * pi / 180;
 }
 
-} // namespace
+}  // namespace
 
 std::optional<double> parseLength(std::wstring_view text) {
     Scanner scanner(text);
@@ -375,4 +367,4 @@ std::optional<double> parseAngle(std::wstring_view text, AngleNotation notation)
     return north == east ? axis - *angle : axis + *angle;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

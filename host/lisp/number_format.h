@@ -34,4 +34,4 @@ std::wstring formatAngle(double radians, AngleNotation notation, int precision, 
 std::optional<double> parseLength(std::wstring_view text);
 std::optional<double> parseAngle(std::wstring_view text, AngleNotation notation);
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

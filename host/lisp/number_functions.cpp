@@ -298,10 +298,10 @@ constexpr BuiltinDefinition table[] = {
     {L"~", bitwiseNot, 1, 1, L"(~ int) -> bitwise complement"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> numberFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -93,10 +93,10 @@ constexpr BuiltinDefinition table[] = {
     {L"write-line", writeLine, 1, 2, L"(write-line text [file]) -> text; prints it as a line"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> printFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -44,19 +44,17 @@ std::wstring functionText(const Object* object) {
 
 std::wstring objectText(const Object* object) {
     switch (object->type) {
-    case Type::entityName:
-        return L"<Entity name: " + hexadecimal(static_cast<const EntityNameObject*>(object)->name.first) +
-               L">";
-    case Type::selectionSet: {
-        const auto& set = static_cast<const SelectionSetObject*>(object)->set;
-        return L"<Selection set: " + hexadecimal(static_cast<std::uint32_t>(set ? set->number() : 0)) + L">";
-    }
-    case Type::file:
-        return L"#<file \"" + static_cast<const FileObject*>(object)->name + L"\">";
-    case Type::caughtError:
-        return L"#<%catch-all-apply-error%>";
-    default:
-        return functionText(object);
+        case Type::entityName:
+            return L"<Entity name: " + hexadecimal(static_cast<const EntityNameObject*>(object)->name.first) +
+                   L">";
+        case Type::selectionSet: {
+            const auto& set = static_cast<const SelectionSetObject*>(object)->set;
+            return L"<Selection set: " + hexadecimal(static_cast<std::uint32_t>(set ? set->number() : 0)) +
+                   L">";
+        }
+        case Type::file: return L"#<file \"" + static_cast<const FileObject*>(object)->name + L"\">";
+        case Type::caughtError: return L"#<%catch-all-apply-error%>";
+        default: return functionText(object);
     }
 }
 
@@ -64,32 +62,20 @@ void appendEscaped(const std::wstring& text, std::wstring& out) {
     out += L'"';
     for (const wchar_t character : text) {
         switch (character) {
-        case L'"':
-            out += L"\\\"";
-            break;
-        case L'\\':
-            out += L"\\\\";
-            break;
-        case L'\n':
-            out += L"\\n";
-            break;
-        case L'\t':
-            out += L"\\t";
-            break;
-        case L'\r':
-            out += L"\\r";
-            break;
-        case L'\x1b':
-            out += L"\\e";
-            break;
-        default:
-            if (character < 0x20) {
-                out += L"\\0";
-                out += static_cast<wchar_t>(L'0' + character / 8);
-                out += static_cast<wchar_t>(L'0' + character % 8);
-            } else {
-                out += character;
-            }
+            case L'"': out += L"\\\""; break;
+            case L'\\': out += L"\\\\"; break;
+            case L'\n': out += L"\\n"; break;
+            case L'\t': out += L"\\t"; break;
+            case L'\r': out += L"\\r"; break;
+            case L'\x1b': out += L"\\e"; break;
+            default:
+                if (character < 0x20) {
+                    out += L"\\0";
+                    out += static_cast<wchar_t>(L'0' + character / 8);
+                    out += static_cast<wchar_t>(L'0' + character % 8);
+                } else {
+                    out += character;
+                }
         }
     }
     out += L'"';
@@ -113,7 +99,7 @@ void appendAtom(Value value, PrintStyle style, std::wstring& out) {
     }
 }
 
-} // namespace
+}  // namespace
 
 std::wstring formatReal(double number) {
     if (!std::isfinite(number)) {
@@ -130,7 +116,7 @@ std::wstring formatReal(double number) {
 }
 
 bool printValue(Value value, PrintStyle style, std::wstring& out, std::size_t limit) {
-    std::vector<Value> rests; // what is still to print of each open list
+    std::vector<Value> rests;  // what is still to print of each open list
     for (;;) {
         while (value.isPair()) {
             out += L'(';
@@ -159,4 +145,4 @@ bool printValue(Value value, PrintStyle style, std::wstring& out, std::size_t li
     }
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -11,8 +11,8 @@
 namespace drafthost::lisp {
 
 enum class PrintStyle {
-    readable, // prin1: strings quoted, with escapes
-    plain,    // princ
+    readable,  // prin1: strings quoted, with escapes
+    plain,     // princ
 };
 
 // Appends the text of `value` to `out`. When `out` would grow beyond `limit` characters the rest is cut off
@@ -22,4 +22,4 @@ bool printValue(Value value, PrintStyle style, std::wstring& out, std::size_t li
 // Six significant digits, always with a decimal point: 1.0, 0.333333, 1.0e+06.
 std::wstring formatReal(double number);
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

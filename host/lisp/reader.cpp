@@ -57,7 +57,7 @@ bool looksLikeNumber(std::wstring_view token, bool& isInteger) {
     return end == token.size();
 }
 
-} // namespace
+}  // namespace
 
 std::optional<Value> parseNumber(std::wstring_view token) {
     bool isInteger = false;
@@ -165,18 +165,12 @@ wchar_t Reader::readEscape(int startLine) {
     }
     advance();
     switch (letter) {
-    case L'n':
-        return L'\n';
-    case L't':
-        return L'\t';
-    case L'r':
-        return L'\r';
-    case L'e':
-        return L'\x1b';
-    case L'U':
-        return readUnicodeEscape().value_or(letter);
-    default:
-        return letter;
+        case L'n': return L'\n';
+        case L't': return L'\t';
+        case L'r': return L'\r';
+        case L'e': return L'\x1b';
+        case L'U': return readUnicodeEscape().value_or(letter);
+        default: return letter;
     }
 }
 
@@ -283,19 +277,14 @@ std::optional<Value> Reader::next() {
         }
         std::optional<Value> finished;
         switch (text_[position_]) {
-        case L'(':
-        case L'\'':
-            open_.push_back(Open{line_, text_[position_] == L'\'', {}});
-            ++position_;
-            break;
-        case L')':
-            finished = complete(closeList());
-            break;
-        case L'"':
-            finished = complete(readString());
-            break;
-        default:
-            finished = readElement();
+            case L'(':
+            case L'\'':
+                open_.push_back(Open{line_, text_[position_] == L'\'', {}});
+                ++position_;
+                break;
+            case L')': finished = complete(closeList()); break;
+            case L'"': finished = complete(readString()); break;
+            default: finished = readElement();
         }
         if (finished) {
             return finished;
@@ -303,4 +292,4 @@ std::optional<Value> Reader::next() {
     }
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

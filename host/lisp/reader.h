@@ -64,4 +64,4 @@ private:
 // token is not a number.
 std::optional<Value> parseNumber(std::wstring_view token);
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

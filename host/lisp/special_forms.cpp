@@ -147,7 +147,7 @@ void compileCond(Compiler& compiler, Value form, bool wantValue) {
             compiler.emitRaise(L"bad argument type: consp " + compiler.interpreter().prin1ToString(clause));
             return;
         }
-        if (!clause.cdr().isPair()) { // (test): answers the test's value
+        if (!clause.cdr().isPair()) {  // (test): answers the test's value
             if (wantValue) {
                 compiler.compile(clause.car(), true);
                 compiler.emitJump(Operation::JumpIfTrueKeep, end);
@@ -324,10 +324,10 @@ constexpr SpecialForm table[] = {
      compileWhile},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const SpecialForm> specialForms() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

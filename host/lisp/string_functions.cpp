@@ -159,10 +159,10 @@ constexpr BuiltinDefinition table[] = {
     {L"vl-string-trim", trim, 2, 2, L"(vl-string-trim characters text) -> without them at either end"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> stringFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -85,10 +85,10 @@ constexpr BuiltinDefinition table[] = {
     {L"wcmatch", wildcardMatch, 2, 2, L"(wcmatch text pattern) -> T when the wildcard pattern matches"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> stringSearchFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

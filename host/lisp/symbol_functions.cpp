@@ -85,10 +85,10 @@ constexpr BuiltinDefinition table[] = {
     {L"vl-symbolp", isSymbol, 1, 1, L"(vl-symbolp value) -> T for symbols other than nil"},
 };
 
-} // namespace
+}  // namespace
 
 std::span<const BuiltinDefinition> symbolFunctions() {
     return table;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

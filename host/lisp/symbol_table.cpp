@@ -21,4 +21,4 @@ Symbol* SymbolTable::find(std::wstring_view name) const {
     return found == byName_.end() ? nullptr : found->second;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

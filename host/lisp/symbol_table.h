@@ -25,4 +25,4 @@ private:
     std::unordered_map<std::wstring_view, Symbol*> byName_;
 };
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

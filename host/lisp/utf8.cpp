@@ -69,7 +69,7 @@ std::size_t decode(std::string_view bytes, std::size_t from, char32_t& code) {
     return wellFormed ? length : 0;
 }
 
-} // namespace
+}  // namespace
 
 std::string toUtf8(std::wstring_view text) {
     std::string out;
@@ -103,4 +103,4 @@ std::wstring fromUtf8(std::string_view bytes) {
     return out;
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -12,4 +12,4 @@ std::string toUtf8(std::wstring_view text);
 // Malformed bytes are taken as Latin-1, so that text of old files survives.
 std::wstring fromUtf8(std::string_view bytes);
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -14,18 +14,12 @@ Type Value::type() const {
         return Type::real;
     }
     switch (bits_ & tagMask) {
-    case integerTag:
-        return Type::integer;
-    case pairTag:
-        return Type::list;
-    case symbolTag:
-        return Type::symbol;
-    case stringTag:
-        return Type::string;
-    case objectTag:
-        return asObject()->type;
-    default:
-        return Type::nothing;
+        case integerTag: return Type::integer;
+        case pairTag: return Type::list;
+        case symbolTag: return Type::symbol;
+        case stringTag: return Type::string;
+        case objectTag: return asObject()->type;
+        default: return Type::nothing;
     }
 }
 
@@ -62,7 +56,7 @@ bool atomsEqual(Value left, Value right, double fuzz) {
     return isEq(left, right);
 }
 
-} // namespace
+}  // namespace
 
 bool isEqual(Value left, Value right, double fuzz, Interpreter* pollCancel) {
     std::vector<std::pair<Value, Value>> pending;
@@ -103,4 +97,4 @@ std::wstring_view typeName(Type type) {
     return names[static_cast<std::size_t>(type)];
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -32,13 +32,13 @@ enum class Type : std::uint8_t {
     symbol,
     list,
     string,
-    builtin,      // SUBR: a function of the language or the host
-    external,     // EXRXSUBR: a function of a loaded add-in
-    userFunction, // USUBR: made by defun or lambda
+    builtin,       // SUBR: a function of the language or the host
+    external,      // EXRXSUBR: a function of a loaded add-in
+    userFunction,  // USUBR: made by defun or lambda
     entityName,
     selectionSet,
     file,
-    caughtError, // what vl-catch-all-apply answers when the call failed
+    caughtError,  // what vl-catch-all-apply answers when the call failed
 };
 
 class Value {
@@ -139,13 +139,13 @@ struct Pair {
 // reading a variable is one load. Symbols live as long as their interpreter.
 struct Symbol {
     Value value;
-    std::wstring name; // upper case; empty only for the symbol that prints as nothing
+    std::wstring name;  // upper case; empty only for the symbol that prints as nothing
 };
 
 // Base of everything on the heap except pairs and symbols.
 struct Object {
     Type type;
-    bool marked = false; // of the collector
+    bool marked = false;  // of the collector
 
     explicit Object(Type kind) : type(kind) {}
     Object(const Object&) = delete;
@@ -259,4 +259,4 @@ bool isEqual(Value left, Value right, double fuzz = 0.0, Interpreter* pollCancel
 // `INT`, `REAL`, `STR`...; empty for nil.
 std::wstring_view typeName(Type type);
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

@@ -44,25 +44,19 @@ bool inSet(wchar_t character, std::wstring_view set) {
 bool matchesElement(wchar_t character, std::wstring_view pattern, std::size_t& index) {
     const wchar_t element = pattern[index++];
     switch (element) {
-    case L'#':
-        return isDigit(character);
-    case L'@':
-        return isLetter(character);
-    case L'.':
-        return !isDigit(character) && !isLetter(character);
-    case L'?':
-        return true;
-    case L'`':
-        return index < pattern.size() && pattern[index++] == character;
-    case L'[':
-        if (const std::size_t end = endOfSet(pattern, index - 1); end != std::wstring_view::npos) {
-            const std::wstring_view set = pattern.substr(index, end - index - 1);
-            index = end;
-            return inSet(character, set);
-        }
-        return character == element;
-    default:
-        return character == element;
+        case L'#': return isDigit(character);
+        case L'@': return isLetter(character);
+        case L'.': return !isDigit(character) && !isLetter(character);
+        case L'?': return true;
+        case L'`': return index < pattern.size() && pattern[index++] == character;
+        case L'[':
+            if (const std::size_t end = endOfSet(pattern, index - 1); end != std::wstring_view::npos) {
+                const std::wstring_view set = pattern.substr(index, end - index - 1);
+                index = end;
+                return inSet(character, set);
+            }
+            return character == element;
+        default: return character == element;
     }
 }
 
@@ -122,7 +116,7 @@ std::wstring quoted(std::wstring_view pattern) {
     return result;
 }
 
-} // namespace
+}  // namespace
 
 bool matchesFilePattern(std::wstring_view name, std::wstring_view pattern) {
     return matchesWildcard(name, quoted(pattern));
@@ -141,4 +135,4 @@ bool matchesWildcard(std::wstring_view text, std::wstring_view pattern) {
     }
 }
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

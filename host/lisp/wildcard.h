@@ -14,4 +14,4 @@ bool matchesWildcard(std::wstring_view text, std::wstring_view pattern);
 // File name patterns: only * and ? are special.
 bool matchesFilePattern(std::wstring_view name, std::wstring_view pattern);
 
-} // namespace drafthost::lisp
+}  // namespace drafthost::lisp

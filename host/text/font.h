@@ -16,7 +16,7 @@ struct Glyph {
 };
 
 class Font {
-  public:
+public:
     explicit Font(std::wstring familyName) : family_(std::move(familyName)) {}
     virtual ~Font() = default;
     Font(const Font&) = delete;
@@ -28,10 +28,10 @@ class Font {
     const std::wstring& family() const { return family_; }  // empty: the stroke font
     double descent() const;
 
-  protected:
+protected:
     virtual Glyph makeGlyph(char32_t character) const = 0;
 
-  private:
+private:
     std::wstring family_;
     mutable std::unordered_map<char32_t, Glyph> glyphs_;
 };

@@ -10,7 +10,7 @@ namespace {
 
 // Reads big-endian numbers at offsets; beyond the end of the file everything is zero.
 class FontReader {
-  public:
+public:
     explicit FontReader(const std::filesystem::path& path) : file_(path, std::ios::binary) {}
 
     std::uint32_t number(std::uint64_t offset, int bytes) {
@@ -41,7 +41,7 @@ class FontReader {
         return 0;
     }
 
-  private:
+private:
     std::ifstream file_;
 };
 

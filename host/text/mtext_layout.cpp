@@ -22,14 +22,14 @@ struct Atom {
 
 double stackHeight(const MTextToken& token, double height) {
     switch (token.stackType) {
-    case L'/': return (2 + kStackGap) * height;
-    case L'#': return (1 + kSlashRise) * height;
-    default: return (2 + kLooseStackGap) * height;
+        case L'/': return (2 + kStackGap) * height;
+        case L'#': return (1 + kSlashRise) * height;
+        default: return (2 + kLooseStackGap) * height;
     }
 }
 
 class MTextComposer {
-  public:
+public:
     explicit MTextComposer(const MTextSpec& spec) : spec_(spec) {
         MTextContents parsed = parseMText(spec.contents, spec.format, spec.font);
         layout_.fonts = std::move(parsed.fonts);
@@ -55,7 +55,7 @@ class MTextComposer {
         return std::move(layout_);
     }
 
-  private:
+private:
     // A line with its atoms, before it is placed.
     struct DraftLine {
         std::vector<Atom> atoms;
@@ -105,9 +105,9 @@ class MTextComposer {
     Atom atomOf(const MTextToken& token) const {
         const double height = formatOf(token).height;
         switch (token.kind) {
-        case MTextToken::Stack: return {&token, 0, stackWidth(token), stackHeight(token, height)};
-        case MTextToken::Tab: return {&token, 0, 0, height};
-        default: return {&token, 0, measureText(token.format, token.text).advance, height};
+            case MTextToken::Stack: return {&token, 0, stackWidth(token), stackHeight(token, height)};
+            case MTextToken::Tab: return {&token, 0, 0, height};
+            default: return {&token, 0, measureText(token.format, token.text).advance, height};
         }
     }
 
@@ -418,6 +418,8 @@ class MTextComposer {
 
 }  // namespace
 
-MTextLayout layoutMText(const MTextSpec& spec) { return MTextComposer(spec).compose(); }
+MTextLayout layoutMText(const MTextSpec& spec) {
+    return MTextComposer(spec).compose();
+}
 
 }  // namespace drafthost::text

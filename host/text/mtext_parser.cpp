@@ -44,7 +44,7 @@ std::optional<double> takeNumber(std::wstring_view& text) {
 }
 
 class MTextParser {
-  public:
+public:
     MTextParser(std::wstring_view text, const MTextFormat& initial, const TextFont& font)
         : rest_(text), lastSemicolon_(text.rfind(L';')), whole_(text), baseHeight_(initial.height) {
         contents_.fonts.push_back(font);
@@ -63,7 +63,7 @@ class MTextParser {
         return std::move(contents_);
     }
 
-  private:
+private:
     using CodeReader = void (MTextParser::*)();
     struct CodeRow {
         wchar_t letter;
@@ -127,11 +127,11 @@ class MTextParser {
 
     void apply(const TextCode& code) {
         switch (code.kind) {
-        case TextCode::Character: addCharacter(code.character); break;
-        case TextCode::Underline: toggle(&MTextFormat::underlined); break;
-        case TextCode::Overline: toggle(&MTextFormat::overlined); break;
-        case TextCode::Strike: toggle(&MTextFormat::struck); break;
-        case TextCode::Nothing: break;
+            case TextCode::Character: addCharacter(code.character); break;
+            case TextCode::Underline: toggle(&MTextFormat::underlined); break;
+            case TextCode::Overline: toggle(&MTextFormat::overlined); break;
+            case TextCode::Strike: toggle(&MTextFormat::struck); break;
+            case TextCode::Nothing: break;
         }
     }
 

@@ -159,7 +159,9 @@ void mirrorRun(GlyphRun& run, double signX, double signY) {
 
 }  // namespace
 
-FontRef strokeFont() { return library().stroke.get(); }
+FontRef strokeFont() {
+    return library().stroke.get();
+}
 
 FontRef resolveFont(const TextFont& wanted) {
     if (!wanted.family.empty()) {
@@ -179,9 +181,15 @@ FontRef resolveFont(const AcGiTextStyle& style) {
     return resolveFont(TextFont{textOf(style.fontFile), textOf(style.typeface), style.bold, style.italic});
 }
 
-const std::wstring& fontFamily(FontRef font) { return font->family(); }
-bool isStrokeFont(FontRef font) { return font->family().empty(); }
-double fontDescent(FontRef font) { return font->descent(); }
+const std::wstring& fontFamily(FontRef font) {
+    return font->family();
+}
+bool isStrokeFont(FontRef font) {
+    return font->family().empty();
+}
+double fontDescent(FontRef font) {
+    return font->descent();
+}
 
 GlyphRun layoutRun(FontRef font, std::wstring_view text, double size, double xScale, double oblique,
                    double tracking) {

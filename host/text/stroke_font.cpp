@@ -22,7 +22,7 @@ const StrokeGlyph* findStrokeGlyph(char32_t character) {
 
 // Draws glyph drawings, in grid units, into contours.
 class StrokePen {
-  public:
+public:
     explicit StrokePen(std::vector<Contour>& contours) : contours_(contours) {}
 
     // scale and offset apply to the drawing's points.
@@ -38,7 +38,7 @@ class StrokePen {
         endStroke();
     }
 
-  private:
+private:
     static constexpr std::size_t kArcNumbers = 6;
 
     void drawItem(std::string_view item, double scale, AcGeVector2d offset) {
@@ -124,13 +124,20 @@ class StrokePen {
     AcGeVector2d offset_;
 };
 
-bool isSmallLetter(char32_t base) { return (base >= U'a' && base <= U'z') || base == 0x131; }
+bool isSmallLetter(char32_t base) {
+    return (base >= U'a' && base <= U'z') || base == 0x131;
+}
+
+// Scripts that the font does not draw (Cyrillic, Greek, ...) come from an outline face, so that every drawing
+// can be read; what that face lacks too is its sign for missing characters.
+constexpr char32_t kFirstBorrowed = 0x80;
+constexpr const wchar_t* kLenderFamily = L"Arial";
 
 class StrokeFont : public Font {
-  public:
+public:
     StrokeFont() : Font({}) {}
 
-  protected:
+protected:
     Glyph makeGlyph(char32_t character) const override {
         if (character < U' ') {
             return {};
@@ -138,13 +145,16 @@ class StrokeFont : public Font {
         Glyph glyph;
         if (!drawAccented(character, glyph)) {
             const StrokeGlyph* found = findStrokeGlyph(character);
+            if (!found && character >= kFirstBorrowed) {
+                return resolveFont(TextFont{{}, kLenderFamily})->glyph(character);
+            }
             drawPlain(found ? *found : kMissingStrokeGlyph, glyph);
         }
         toCapHeight(glyph);
         return glyph;
     }
 
-  private:
+private:
     static void drawPlain(const StrokeGlyph& source, Glyph& glyph) {
         StrokePen(glyph.outline.contours).draw(source.drawing, 1, {});
         glyph.advance = source.width + kStrokeGap;
@@ -199,6 +209,8 @@ class StrokeFont : public Font {
 
 }  // namespace
 
-std::unique_ptr<Font> makeStrokeFont() { return std::make_unique<StrokeFont>(); }
+std::unique_ptr<Font> makeStrokeFont() {
+    return std::make_unique<StrokeFont>();
+}
 
 }  // namespace drafthost::text

@@ -200,7 +200,11 @@ constexpr StrokeAccent kAccents[] = {
 
 }  // namespace
 
-std::span<const StrokeGlyph> strokeGlyphs() { return kGlyphs; }
-std::span<const StrokeAccent> strokeAccents() { return kAccents; }
+std::span<const StrokeGlyph> strokeGlyphs() {
+    return kGlyphs;
+}
+std::span<const StrokeAccent> strokeAccents() {
+    return kAccents;
+}
 
 }  // namespace drafthost::text

@@ -104,11 +104,11 @@ std::vector<LineRun> parseLineCodes(std::wstring_view text) {
             code.value_or(TextCode{text[0] >= L' ' ? TextCode::Character : TextCode::Nothing, text[0], 1});
         text.remove_prefix(found.length);
         switch (found.kind) {
-        case TextCode::Character: current.text.push_back(found.character); break;
-        case TextCode::Underline: toggle(&LineRun::underlined); break;
-        case TextCode::Overline: toggle(&LineRun::overlined); break;
-        case TextCode::Strike: toggle(&LineRun::struck); break;
-        case TextCode::Nothing: break;
+            case TextCode::Character: current.text.push_back(found.character); break;
+            case TextCode::Underline: toggle(&LineRun::underlined); break;
+            case TextCode::Overline: toggle(&LineRun::overlined); break;
+            case TextCode::Strike: toggle(&LineRun::struck); break;
+            case TextCode::Nothing: break;
         }
     }
     endRun();

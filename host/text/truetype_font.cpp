@@ -15,7 +15,7 @@ namespace {
 // A memory device context with the face selected at one pixel for a design unit, where grid fitting cannot
 // move anything.
 class FaceContext {
-  public:
+public:
     FaceContext() : dc_(CreateCompatibleDC(nullptr)) {}
     ~FaceContext() {
         select(nullptr);
@@ -52,7 +52,7 @@ class FaceContext {
         return name.data();
     }
 
-  private:
+private:
     bool selectAt(LOGFONTW wanted, int em) {
         wanted.lfHeight = -em;
         return dc_ && select(CreateFontIndirectW(&wanted));
@@ -97,7 +97,7 @@ AcGePoint2d toPoint(const POINTFX& point) {
 
 // Flattens quadratic curves by halving the parameter until the chord is close enough.
 class ContourBuilder {
-  public:
+public:
     ContourBuilder(AcGePoint2d start, double tolerance) : tolerance_(tolerance) { points_.push_back(start); }
 
     void lineTo(AcGePoint2d end) { points_.push_back(end); }
@@ -138,7 +138,7 @@ class ContourBuilder {
         return std::move(points_);
     }
 
-  private:
+private:
     int pieceCount(double chordDistance) const {
         return std::clamp(static_cast<int>(std::ceil(std::sqrt(chordDistance / tolerance_))), 1, 64);
     }
@@ -200,7 +200,7 @@ std::vector<Contour> readPolygons(const std::vector<std::byte>& data, double tol
 }
 
 class TrueTypeFont : public Font {
-  public:
+public:
     TrueTypeFont(std::wstring familyName, std::unique_ptr<FaceContext> face)
         : Font(std::move(familyName)), face_(std::move(face)) {
         const double capHeight = readGlyph(U'H', 1).ink.maxY;
@@ -209,10 +209,10 @@ class TrueTypeFont : public Font {
         }
     }
 
-  protected:
+protected:
     Glyph makeGlyph(char32_t character) const override { return readGlyph(standIn(character), unit_); }
 
-  private:
+private:
     static constexpr MAT2 kIdentity = {{0, 1}, {0, 0}, {0, 0}, {0, 1}};
 
     // The diameter sign is in few faces; the letter that looks like it is in most.

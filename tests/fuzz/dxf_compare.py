@@ -50,6 +50,8 @@ def normal(code, value):
         return value.strip().lstrip("0").upper() or "0"
     if code in (6, 8):
         return valid_name(value)
+    if code in (2, 3) and value.strip().upper() in ("$MODEL_SPACE", "$PAPER_SPACE"):
+        return {"M": "*Model_Space", "P": "*Paper_Space"}[value.strip()[1].upper()]
     # A caret may stand for itself, but is written with a blank behind it.
     return value.replace("^ ", "^").rstrip() if code in (0, 2, 8, 100, 102) else value.replace("^ ", "^")
 

@@ -110,26 +110,13 @@ private:
                                              "(f 1)"};
         const std::size_t at = below(text.size() + 1);
         switch (below(7)) {
-        case 0:
-            text.insert(at, pieces[below(std::size(pieces))]);
-            break;
-        case 1:
-            text.erase(at, 1 + below(6));
-            break;
-        case 2:
-            text.insert(at, 1, static_cast<char>(below(256)));
-            break;
-        case 3:
-            text.insert(at, " " + words_[below(words_.size())] + " ");
-            break;
-        case 4:
-            text.insert(at, " (" + words_[below(words_.size())] + " ");
-            break;
-        case 5:
-            replaceWord(text, at);
-            break;
-        default:
-            text.insert(at, text.substr(below(text.size() + 1), below(40)));
+            case 0: text.insert(at, pieces[below(std::size(pieces))]); break;
+            case 1: text.erase(at, 1 + below(6)); break;
+            case 2: text.insert(at, 1, static_cast<char>(below(256))); break;
+            case 3: text.insert(at, " " + words_[below(words_.size())] + " "); break;
+            case 4: text.insert(at, " (" + words_[below(words_.size())] + " "); break;
+            case 5: replaceWord(text, at); break;
+            default: text.insert(at, text.substr(below(text.size() + 1), below(40)));
         }
     }
 
@@ -180,7 +167,7 @@ void evaluateOnce(const std::string& text, bool collectOften, Watchdog& watchdog
     interpreter.collect();
 }
 
-} // namespace
+}  // namespace
 
 int main(int count, char** arguments) {
     if (count < 2) {

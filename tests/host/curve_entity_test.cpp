@@ -40,7 +40,7 @@ TEST(CurveTransformation, PointsMoveWithTheCurve) {
         for (const Sample& sample : oneOfEach(random)) {
             SCOPED_TRACE(sample.kind + " of round " + std::to_string(round));
             if (sample.kind == "circle")
-                continue; // where a circle starts is not its own
+                continue;  // where a circle starts is not its own
             const auto image = copyOf(*sample.curve);
             ASSERT_EQ(image->transformBy(matrix), Acad::eOk);
             for (const double fraction : {0.0, 0.1, 0.37, 0.5, 0.82, 1.0}) {
@@ -396,5 +396,5 @@ TEST(CurveFiling, ConstantWidthReachesEveryVertex) {
     EXPECT_EQ(find(filed(copy, AcDb::kFileFiler), 40), nullptr);
 }
 
-} // namespace
-} // namespace drafthost
+}  // namespace
+}  // namespace drafthost

@@ -39,7 +39,7 @@ TEST(CurveQueries, DistanceGrowsWithTheParameterAsTheChordsDo) {
             double start = 0;
             ASSERT_EQ(curve.getStartParam(start), Acad::eOk);
             const double end = endParameter(curve);
-            constexpr int kSteps = 5040; // every vertex of up to ten segments is a step
+            constexpr int kSteps = 5040;  // every vertex of up to ten segments is a step
             double sum = 0;
             AcGePoint3d before, after;
             ASSERT_EQ(curve.getStartPoint(before), Acad::eOk);
@@ -267,7 +267,7 @@ TEST(CurveQueries, ArcsKeepTheirAnglesInOneTurn) {
     EXPECT_NEAR(acrossXAxis.totalAngle(), 1, 1e-14);
     AcGePoint3d point;
     ASSERT_EQ(acrossXAxis.getPointAtParam(0, point),
-              Acad::eOk); // a whole turn less than the parameters in between
+              Acad::eOk);  // a whole turn less than the parameters in between
     EXPECT_POINT_NEAR(point, AcGePoint3d(10, 0, 0), 1e-12);
     for (const double start : {0.0, 1.0, 5.0, 6.28}) {
         EXPECT_EQ(AcDbArc(AcGePoint3d(), 1, start, start + kTwoPi).totalAngle(), kTwoPi) << start;
@@ -310,5 +310,5 @@ TEST(CurveQueries, ChangedVerticesChangeTheLength) {
     EXPECT_EQ(endWidth, 0);
 }
 
-} // namespace
-} // namespace drafthost
+}  // namespace
+}  // namespace drafthost

@@ -98,4 +98,4 @@ inline AcGePoint3d pointAtDistance(const AcDbCurve& curve, double distance) {
             << expectedPoint.x << " " << expectedPoint.y << " " << expectedPoint.z << ")";                   \
     } while (false)
 
-} // namespace drafthost::samples
+}  // namespace drafthost::samples

@@ -84,4 +84,4 @@ private:
     AcDbDatabase* previous_ = nullptr;
 };
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -89,7 +89,7 @@ TEST_F(EntityData, MadeEntitiesComeBackAsTheyWereGiven) {
     EXPECT_EQ(find(list, 62)->resval.rint, 5);
     EXPECT_EQ(real(list, 40), 2.5);
     const Name arc = makeX(acutBuildList(RTDXF0, L"ARC", 10, a_, 40, 1.0, 50, 0.5, 51, 1.5, RTNONE));
-    EXPECT_NEAR(real(get(arc), 51), 1.5, 1e-12); // radians
+    EXPECT_NEAR(real(get(arc), 51), 1.5, 1e-12);  // radians
     // The list that entget gave makes an equal entity.
     EXPECT_EQ(make(acdbEntGet(circle.words)), RTNORM);
     Name last;
@@ -152,7 +152,7 @@ TEST_F(EntityData, InsertWithAttributesIsOneSequence) {
         return make(acutBuildList(RTDXF0, L"ATTRIB", 10, a_, 40, 1.0, 1, L"7", 2, tag, 70, 0, RTNONE));
     };
     ASSERT_EQ(begin(), RTNORM);
-    EXPECT_EQ(makeLine(), RTERROR); // gives the insertion up
+    EXPECT_EQ(makeLine(), RTERROR);  // gives the insertion up
     EXPECT_EQ(modelSpaceCount(), 0);
     ASSERT_EQ(begin(), RTNORM);
     ASSERT_EQ(attribute(L"NO"), RTNORM);
@@ -174,7 +174,7 @@ TEST_F(EntityData, InsertWithAttributesIsOneSequence) {
     }
     EXPECT_EQ(step, line);
     EXPECT_EQ(find(get(insert), 66)->resval.rint, 1);
-    EXPECT_EQ(acdbEntDel(next(insert).words), RTERROR); // an attribute alone
+    EXPECT_EQ(acdbEntDel(next(insert).words), RTERROR);  // an attribute alone
 }
 
 TEST_F(EntityData, ModChangesWhatIsGivenAndNothingElse) {
@@ -253,14 +253,14 @@ TEST_F(EntityData, TableListsAreShortAndSteppedThrough) {
     const List block(acdbTblSearch(L"BLOCK", L"door", false));
     EXPECT_EQ(codes(block.get()), (std::vector<short>{0, 2, 70, 10, -2}));
     const List first(acdbTblNext(L"BLOCK", true));
-    EXPECT_EQ(text(first, 2), L"DOOR"); // not model space
+    EXPECT_EQ(text(first, 2), L"DOOR");  // not model space
     EXPECT_EQ(acdbTblNext(L"BLOCK", false), nullptr);
     EXPECT_EQ(acdbTblNext(L"BLOCK", false), nullptr);
     ASSERT_EQ(make(acutBuildList(RTDXF0, L"LAYER", 2, L"NEW", 70, 0, 62, -3, 6, L"Continuous", RTNONE)),
               RTNORM);
     EXPECT_EQ(make(acutBuildList(RTDXF0, L"LAYER", 2, L"new", 70, 0, 62, 3, RTNONE)), RTERROR);
     const List made(acdbTblSearch(L"LAYER", L"NEW", false));
-    EXPECT_EQ(find(made, 62)->resval.rint, -3); // off
+    EXPECT_EQ(find(made, 62)->resval.rint, -3);  // off
     EXPECT_EQ(acdbTblSearch(L"NOTABLE", L"x", false), nullptr);
 }
 
@@ -275,4 +275,4 @@ TEST_F(EntityData, EntitiesOfUnknownClassesKeepTheirGroups) {
     EXPECT_EQ(text(get(next(next(point))), 0), L"VERTEX");
 }
 
-} // namespace
+}  // namespace

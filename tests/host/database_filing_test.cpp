@@ -20,7 +20,7 @@ TEST(ValueLists, AreBuiltFromPairs) {
     const resbuf* node = list.get();
     EXPECT_EQ(node->restype, RTLB);
     EXPECT_EQ((node = node->rbnext)->resval.rreal, 1.5);
-    EXPECT_EQ((node = node->rbnext)->resval.rlong, -2); // sign-extended over the whole slot
+    EXPECT_EQ((node = node->rbnext)->resval.rlong, -2);  // sign-extended over the whole slot
     EXPECT_EQ((node = node->rbnext)->resval.rlong, 70000);
     EXPECT_STREQ((node = node->rbnext)->resval.rstring, L"text");
     EXPECT_EQ((node = node->rbnext)->resval.rpoint[2], 3);
@@ -129,14 +129,14 @@ TEST_F(Filing, DrawingReadBackIsTheSameAndComplete) {
     AcDbDatabase copy(false, true);
     copy.impl().settings.header = db().impl().settings.header;
     copyDrawing(db(), copy);
-    EXPECT_EQ(finishLoading(copy), std::vector<std::wstring>()); // nothing was missing
+    EXPECT_EQ(finishLoading(copy), std::vector<std::wstring>());  // nothing was missing
     EXPECT_EQ(snapshot(copy), snapshot(db()));
     EXPECT_EQ(copy.impl().modifications, 0u);
     EXPECT_EQ(copy.clayer(), copy.layerZero());
     AcDbObjectPointer<AcDbBlockTableRecord> space(copy.modelSpaceId(), AcDb::kForWrite);
     AcDbObjectId id;
     auto* const next = new AcDbLine;
-    ASSERT_EQ(space->appendAcDbEntity(id, next), Acad::eOk); // its handle is free
+    ASSERT_EQ(space->appendAcDbEntity(id, next), Acad::eOk);  // its handle is free
     next->close();
 }
 
@@ -317,4 +317,4 @@ TEST_F(Filing, ManyEntitiesAreMadeAndWalkedInLinearTime) {
     EXPECT_EQ(walked, kCount);
 }
 
-} // namespace
+}  // namespace

@@ -65,7 +65,7 @@ TEST_F(OpenModes, ClosingTwiceIsRefused) {
 TEST_F(OpenModes, WrongClassIsClosedAgain) {
     AcDbCircle* circle = nullptr;
     EXPECT_EQ(acdbOpenObject(circle, addLine(), AcDb::kForWrite), Acad::eNotThatKindOfClass);
-    EXPECT_EQ(circle, nullptr); // the fixture finds an object left open
+    EXPECT_EQ(circle, nullptr);  // the fixture finds an object left open
 }
 
 using Erasing = DrawingTest;
@@ -152,7 +152,7 @@ TEST_F(Names, IdsOutliveTheirDatabaseAndNamesAreNeverUsedAgain) {
     ASSERT_EQ(acdbGetAdsName(name, id), Acad::eOk);
     AcDbObject* leftOpen = nullptr;
     ASSERT_EQ(acdbOpenAcDbObject(leftOpen, id, AcDb::kForRead), Acad::eOk);
-    other.reset(); // closes it
+    other.reset();  // closes it
     EXPECT_FALSE(id.isValid());
     EXPECT_TRUE(id.isErased());
     EXPECT_EQ(id.database(), nullptr);
@@ -265,4 +265,4 @@ TEST_F(Copies, AppendedToAnotherDrawingTakeItsRecords) {
     }
 }
 
-} // namespace
+}  // namespace

@@ -33,7 +33,7 @@ TEST_F(Tables, RenamedRecordIsFoundUnderItsNewNameOnly) {
     {
         AcDbObjectPointer<AcDbLayerTableRecord> layer(id, AcDb::kForWrite);
         EXPECT_EQ(layer->setName(L"other"), Acad::eDuplicateKey);
-        EXPECT_EQ(layer->setName(L"old"), Acad::eOk); // only its case
+        EXPECT_EQ(layer->setName(L"old"), Acad::eOk);  // only its case
         EXPECT_EQ(layer->setName(L"NEW"), Acad::eOk);
     }
     AcDbObjectPointer<AcDbLayerTable> layers(db().layerTableId(), AcDb::kForRead);
@@ -223,4 +223,4 @@ TEST_F(Dictionaries, KeepReplaceAndRemoveEntries) {
     root->close();
 }
 
-} // namespace
+}  // namespace

@@ -63,7 +63,7 @@ TEST_F(Transactions, AbortRestoresEverythingAndLeavesTheDrawingUnmodified) {
     EXPECT_EQ(acdbGetObjectId(found, addedName), Acad::eInvalidAdsName);
     EXPECT_EQ(db().clayer(), db().layerZero());
     EXPECT_FALSE(AcDbObjectPointer<AcDbLayerTable>(db().layerTableId(), AcDb::kForRead)->has(L"NEW"));
-    addLayer(L"NEW"); // the name is free
+    addLayer(L"NEW");  // the name is free
 }
 
 TEST_F(Transactions, ObjectsOpenedNormallyAreRestoredToo) {
@@ -109,7 +109,7 @@ TEST_F(Transactions, ResidentObjectsAreClosedAtTheEndAndNotBefore) {
     ASSERT_EQ(manager().getObject(object, id, AcDb::kForRead), Acad::eOk);
     EXPECT_TRUE(object->isTransactionResident());
     EXPECT_EQ(object->close(), Acad::eInvalidOpenState);
-    ASSERT_EQ(manager().getObject(object, id, AcDb::kForWrite), Acad::eOk); // turns into writing
+    ASSERT_EQ(manager().getObject(object, id, AcDb::kForWrite), Acad::eOk);  // turns into writing
     EXPECT_TRUE(object->isWriteEnabled());
     EXPECT_EQ(AcDbObjectPointer<AcDbLine>(id, AcDb::kForRead).openStatus(), Acad::eWasOpenForWrite);
     manager().endTransaction();
@@ -144,4 +144,4 @@ TEST_F(Transactions, LogTakesStepsBackAndDoesThemAgain) {
     EXPECT_EQ(modelSpaceCount(), 2);
 }
 
-} // namespace
+}  // namespace

@@ -154,4 +154,4 @@ TEST_F(DocumentsTest, ValueListsKeepTheirShapeThroughLisp) {
     EXPECT_THROW(editor::toValueList({&deep.value, 1}), lisp::LispError);
 }
 
-} // namespace
+}  // namespace

@@ -177,4 +177,4 @@ TEST(CommandLine, KeepsACharacterThatComesInTwoHalvesWhole) {
     EXPECT_EQ(shown, "\xF0\x9F\x98\x80!");
 }
 
-} // namespace
+}  // namespace

@@ -151,4 +151,4 @@ TEST(TypedPoint, RefusesWhatIsNoPoint) {
     }
 }
 
-} // namespace
+}  // namespace

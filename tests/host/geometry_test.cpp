@@ -127,10 +127,10 @@ TEST(Geometry, ZerosOfHarmonicSumsAreAllFound) {
         }
         EXPECT_GE(zeros.count, signChanges);
     }
-    const HarmonicAngles touch = zerosOf({1, -1, 0, 0, 0}, 1e-12); // 1 - cos t
+    const HarmonicAngles touch = zerosOf({1, -1, 0, 0, 0}, 1e-12);  // 1 - cos t
     ASSERT_EQ(touch.count, 1);
     EXPECT_NEAR(std::sin(touch.angles[0]), 0, 1e-7);
 }
 
-} // namespace
-} // namespace drafthost
+}  // namespace
+}  // namespace drafthost

@@ -24,12 +24,14 @@ constexpr Rgb kBlack{0, 0, 0}, kWhite{255, 255, 255}, kRed{255, 0, 0}, kGreen{0,
 
 double inkOf(const Canvas& canvas) {
     double ink = 0;
-    for (const Rgb& pixel : canvas.pixels()) ink += pixel.red / 255.0;
+    for (const Rgb& pixel : canvas.pixels())
+        ink += pixel.red / 255.0;
     return ink;
 }
 
 template <class Record>
-AcDbObjectId addRecord(AcDbDatabase& database, AcDbObjectId tableId, const ACHAR* name, void (*prepare)(Record&)) {
+AcDbObjectId addRecord(AcDbDatabase& database, AcDbObjectId tableId, const ACHAR* name,
+                       void (*prepare)(Record&)) {
     const AcDbObjectPointer<AcDbSymbolTable> table(tableId, AcDb::kForWrite);
     auto* record = new Record;
     record->setName(name);
@@ -53,11 +55,11 @@ AcDbLine* newLine(double x1, double y1, double x2, double y2) {
 }
 
 class GraphicsTest : public testing::Test {
-  protected:
+protected:
     AcDbDatabase database{true, true};
     AcDbObjectId layer(const ACHAR* name, std::uint16_t color) {
-        const AcDbObjectId id =
-            addRecord<AcDbLayerTableRecord>(database, database.layerTableId(), name, [](AcDbLayerTableRecord&) {});
+        const AcDbObjectId id = addRecord<AcDbLayerTableRecord>(database, database.layerTableId(), name,
+                                                                [](AcDbLayerTableRecord&) {});
         const AcDbObjectPointer<AcDbLayerTableRecord> record(id, AcDb::kForWrite);
         EXPECT_EQ(record->setColorIndex(color), Acad::eOk);
         return id;
@@ -136,7 +138,8 @@ TEST(DasherTest, DashesOfABentLineStayOnIt) {
     appendDashes(bent, pattern, pieces);
     double drawn = 0;
     for (const Polyline2d& piece : pieces) {
-        for (std::size_t i = 1; i < piece.points.size(); ++i) drawn += piece.points[i - 1].distanceTo(piece.points[i]);
+        for (std::size_t i = 1; i < piece.points.size(); ++i)
+            drawn += piece.points[i - 1].distanceTo(piece.points[i]);
         for (const AcGePoint2d& p : piece.points) {
             const bool onLine = p.y == 0 || std::fabs(p.x - 3) < 1e-12 || std::fabs(p.y - 4) < 1e-12;
             EXPECT_TRUE(onLine) << p.x << ' ' << p.y;
@@ -258,7 +261,8 @@ TEST_F(GraphicsTest, PicturesReplaceTheOldFileOnlyWhenTheyAreWhole) {
     EXPECT_FALSE(writePicture(database, (folder / "a.bmp").wstring(), problem));
     EXPECT_FALSE(problem.empty());
     std::size_t files = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) files += entry.is_regular_file();
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        files += entry.is_regular_file();
     EXPECT_EQ(files, 1u) << "no part is left behind";
     std::filesystem::remove_all(folder);
 }

@@ -323,5 +323,5 @@ TEST(Intersection, WrongRequestsAreRefused) {
     EXPECT_EQ(points.length(), 0);
 }
 
-} // namespace
-} // namespace drafthost
+}  // namespace
+}  // namespace drafthost

@@ -108,5 +108,5 @@ TEST_F(LispFiles, Environment) {
     EXPECT_EQ(session.type("(getenv \"DRAFTHOST_LISP_NONE\")"), "nil");
 }
 
-} // namespace
-} // namespace drafthost::lisp::testing
+}  // namespace
+}  // namespace drafthost::lisp::testing

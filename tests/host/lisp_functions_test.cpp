@@ -212,5 +212,5 @@ TEST(LispFunctions, Printing) {
     });
 }
 
-} // namespace
-} // namespace drafthost::lisp::testing
+}  // namespace
+}  // namespace drafthost::lisp::testing

@@ -206,5 +206,5 @@ TEST(LispLanguage, BuiltinTablesAreConsistent) {
     }
 }
 
-} // namespace
-} // namespace drafthost::lisp::testing
+}  // namespace
+}  // namespace drafthost::lisp::testing

@@ -143,5 +143,5 @@ TEST(LispLimits, CollectorReleasesSelectionSets) {
     EXPECT_TRUE(watched.expired());
 }
 
-} // namespace
-} // namespace drafthost::lisp::testing
+}  // namespace
+}  // namespace drafthost::lisp::testing

@@ -119,5 +119,5 @@ TEST(LispReader, DeeplyNestedDataIsReadPrintedAndCompared) {
               "(T nil)");
 }
 
-} // namespace
-} // namespace drafthost::lisp::testing
+}  // namespace
+}  // namespace drafthost::lisp::testing

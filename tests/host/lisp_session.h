@@ -60,4 +60,4 @@ void expectShown(const Case (&cases)[count]) {
     }
 }
 
-} // namespace drafthost::lisp::testing
+}  // namespace drafthost::lisp::testing

@@ -8,7 +8,7 @@ namespace {
 
 // Writes down what is drawn, one word a call: "color 3", "text ab", "line", "area", "background".
 class Recorder : public AcGiWorldDraw, public AcGiSubEntityTraits, public AcGiWorldGeometry {
-  public:
+public:
     std::vector<std::wstring> calls;
     std::vector<AcGePoint3d> area, line;
     AcGePoint3d textAt;

@@ -18,7 +18,7 @@ constexpr double kTolerance = 1e-9;
 
 // A drawing with the style "Arial", and texts that use it.
 class TextEntities : public testing::Test {
-  protected:
+protected:
     void SetUp() override {
         AcDbTextStyleTable* table = nullptr;
         ASSERT_EQ(drawing_.getSymbolTable(table, AcDb::kForWrite), Acad::eOk);
@@ -45,7 +45,8 @@ class TextEntities : public testing::Test {
                                      std::vector<DxfGroup>* groups = nullptr) {
         GroupFiler out(&drawing_, type);
         EXPECT_EQ(entity.dxfOutFields(&out), Acad::eOk);
-        if (groups) *groups = out.groups();
+        if (groups)
+            *groups = out.groups();
         GroupFiler in(&drawing_, out.groups(), type);
         auto copy = std::make_unique<T>();
         EXPECT_EQ(copy->dxfInFields(&in), Acad::eOk) << std::string(in.problem().begin(), in.problem().end());
@@ -72,7 +73,8 @@ AcDbExtents extentsOf(const AcDbEntity& entity) {
 template <class Value>
 const Value* valueOf(const std::vector<DxfGroup>& groups, short code) {
     for (const DxfGroup& group : groups) {
-        if (group.code == code) return std::get_if<Value>(&group.value);
+        if (group.code == code)
+            return std::get_if<Value>(&group.value);
     }
     return nullptr;
 }
@@ -81,7 +83,8 @@ const Value* valueOf(const std::vector<DxfGroup>& groups, short code) {
 // so.
 double lastLineWidth(AcDbMText& text) {
     std::wstring rest = contentsOf(text);
-    while (rest.find(L"\\P") != rest.npos) rest.erase(0, rest.find(L"\\P") + 2);
+    while (rest.find(L"\\P") != rest.npos)
+        rest.erase(0, rest.find(L"\\P") + 2);
     text.setContents(rest.c_str());
     const double whole = text.actualHeight(), unit = text.textHeight();
     std::wstring line;
@@ -429,6 +432,7 @@ TEST_F(TextEntities, ExplodingGivesTheDrawnRuns) {
     EXPECT_STREQ(AcDbText::cast(parts[2])->textString(), L"%%uef");
     EXPECT_TRUE(AcDbLine::cast(parts[5]));
     AcDbExtents together;
-    for (const auto& part : owned) part->getGeomExtents(together);
+    for (const auto& part : owned)
+        part->getGeomExtents(together);
     EXPECT_NEAR(together.maxPoint().x, extentsOf(*text).maxPoint().x, 1e-9);
 }

@@ -50,7 +50,9 @@ std::wstring allText(const MTextLayout& laid) {
     return text;
 }
 
-const MTextFormat& lastFormat(const MTextLayout& laid) { return laid.formats[laid.pieces.back().format]; }
+const MTextFormat& lastFormat(const MTextLayout& laid) {
+    return laid.formats[laid.pieces.back().format];
+}
 
 }  // namespace
 

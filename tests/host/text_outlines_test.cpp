@@ -107,9 +107,17 @@ TEST(TextOutlines, ShapeFilesAndUnknownNamesUseTheStrokeFont) {
               0.5);
 }
 
+TEST(TextOutlines, StrokeFontBorrowsTheLettersOfOtherScripts) {
+    const GlyphRun cyrillic = layoutRun(strokeFont(), L"\u0416\u0418", 2);
+    ASSERT_EQ(cyrillic.glyphs.size(), 2u);
+    EXPECT_TRUE(cyrillic.glyphs[0].filled);
+    EXPECT_NEAR(cyrillic.ink.maxY, 2.0, 0.05) << "capitals of both fonts are equally high";
+    EXPECT_NE(layoutRun(strokeFont(), L"\u0416", 1).advance, layoutRun(strokeFont(), L"\u0406", 1).advance);
+}
+
 TEST(TextOutlines, StrokeFontDrawsEveryPrintableCharacter) {
-    const double box = measureRun(strokeFont(), L"\u4E2D", 1).advance;  // not in the font: a box
-    const GlyphRun missing = layoutRun(strokeFont(), L"\u4E2D", 1);
+    const double box = measureRun(strokeFont(), L"\x7F", 1).advance;  // not in the font: a box
+    const GlyphRun missing = layoutRun(strokeFont(), L"\x7F", 1);
     EXPECT_EQ(missing.glyphs.at(0).contours.size(), 1u);
     EXPECT_GT(box, 0.5);
     for (wchar_t letter = L'!'; letter < 0x180; ++letter) {

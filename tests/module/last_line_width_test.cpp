@@ -108,8 +108,8 @@ TEST(LastLineWidth, textOfOneLineIsMeasuredWhole) {
     EXPECT_EQ(0.0, measureLastLineWidth(text));
 }
 
-// A tall letter makes one line as high as two: every word is taken before the rest is lower, and laying out so
-// long a text once for each would take an hour.
+// A tall letter makes one line as high as two: every word is taken before the rest is lower, and laying out
+// so long a text once for each would take an hour.
 TEST(LastLineWidth, hugeParagraphEnds) {
     std::wstring contents = L"{\\H3;A} ";
     while (contents.size() < 200'000) {
