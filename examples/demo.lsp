@@ -39,11 +39,21 @@
   (if (< to from) (setq to (+ to pi pi)))
   (list (polar centre from radius) (+ from (/ pi 2.0)) 1 radius (- to from)))
 
-;; Where an arc meets a line: points, found from the distances along the arc.
-(defun meetings (arc line / values start)
-  (setq values (arc-values arc))
-  (mapcar '(lambda (found) (AcDbCurve::getPointAtDist arc (cdr found)))
-          (apply 'qn_qn-intersectArcLine (append values (list (value 10 line) (value 11 line))))))
+;; Where an arc meets a line: points, found from the distances along the arc. Both are lengthened by a hair, so that a
+;; line that runs on from an arc's end counts as meeting it; a distance on that hair is brought back to the arc's end.
+(defun meetings (arc line / hair whole values)
+  (setq hair   0.002
+        whole  (AcDbCurve::getLength arc)
+        values (append (list hair) (arc-values arc) (list (value 10 line) (value 11 line))))
+  (mapcar '(lambda (found) (AcDbCurve::getPointAtDist arc (max 0.0 (min whole (cdr found)))))
+          (apply 'qn_qn-intersectArcLine values)))
+
+;; Adds points to a list of points, leaving out those that are there already.
+(defun merge (new points)
+  (foreach point new
+    (if (not (vl-some '(lambda (old) (equal old point 0.01)) points))
+      (setq points (cons point points))))
+  points)
 
 (defun mark (point size)
   (entmake (list '(0 . "CIRCLE") '(8 . "TESSARY-MARKS") (cons 10 point) (cons 40 size))))
@@ -78,7 +88,7 @@
   (princ "\nWhere arcs and lines meet")
   (foreach arc (entities "ARC")
     (foreach line (entities "LINE")
-      (setq points (append (meetings arc line) points))))
+      (setq points (merge (meetings arc line) points))))
   (say (strcat "arcs and lines meet in " (itoa (length points)) " places"))
 
   (setq size   (/ (distance (getvar "EXTMIN") (getvar "EXTMAX")) 40.0)
