@@ -26,8 +26,8 @@
       p1  '(0.0 0.0 0.0)
       p2  '(1.0 0.0 0.0))
 
-(setq built-in     (best (lambda () (repeat count (strlen "12.5"))))
-      external     (best (lambda () (repeat count (qn_atof "12.5"))))
+(setq built-in     (best (lambda () (repeat count (sin 0.5))))
+      external     (best (lambda () (repeat count (asin 0.5))))
       curve-length (best (lambda () (repeat count (AcDbCurve::getLength arc))))
       intersection (best (lambda () (repeat count (qn_qn-intersectArcArc p1 0.0 1 5.0 1.5707963 p2 1.5707963 1 5.0 1.5707963))))
       bare-length       (best-bare bench-bare-length)

@@ -136,21 +136,6 @@ LoadResult loadMarker(AcDbDatabase& database, AcDbBlockTableRecord& block, Group
     return read.result;
 }
 
-// Blocks that show themselves, each found once.
-void reportCircles(const AcDbDatabase& database, std::vector<std::wstring>& findings) {
-    const auto* const blocks = peek<AcDbSymbolTable>(database.impl().table(TableIndex::Block));
-    for (const AcDbObjectId id : blocks->recordIds()) {
-        const auto* const block = peek<AcDbBlockTableRecord>(id);
-        for (const AcDbObjectId entity : readState<BlockState>(block).entities) {
-            const auto* const reference = peek<AcDbBlockReference>(entity);
-            if (!reference || !showsBlock(reference->blockTableRecord(), id))
-                continue;
-            findings.push_back(L"block \"" + recordName(id) + L"\" contains itself");
-            break;
-        }
-    }
-}
-
 }  // namespace
 
 AcDbHandle handleInGroups(const Groups& groups) {
@@ -300,7 +285,6 @@ std::vector<std::wstring> finishLoading(AcDbDatabase& database) {
         seed && !seed->groups.empty() ? std::get_if<ObjectReference>(&seed->groups[0].value) : nullptr;
     if (handle)
         database.impl().nextHandle = std::max(database.impl().nextHandle, handle->handle.value());
-    reportCircles(database, findings);
     database.impl().modifications = 0;
     return findings;
 }

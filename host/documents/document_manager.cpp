@@ -4,6 +4,7 @@
 
 #include "host/database/database_impl.h"
 #include "host/documents/host.h"
+#include "host/exchange/dxf_reader.h"
 
 namespace drafthost {
 
@@ -22,11 +23,6 @@ public:
 private:
     std::vector<AcApDocument*> documents_;
     std::size_t position_ = 0;
-};
-
-struct FreeText {
-    ACHAR* text = nullptr;
-    ~FreeText() { acutDelString(text); }
 };
 
 }  // namespace
@@ -92,13 +88,13 @@ Document* DocumentManager::open(const std::wstring& path, std::wstring& problem)
     std::wstring name =
         path.empty() ? L"Drawing" + std::to_wstring(newDrawings_ + 1) + L".dxf" : fullPath(path);
     if (!path.empty()) {
-        FreeText message;
-        const Acad::ErrorStatus status = database->readDxfFile(name.c_str(), &message.text);
-        if (status != Acad::eOk) {
-            problem =
-                name + L": " + (message.text && *message.text ? message.text : acadErrorStatusText(status));
+        const exchange::DxfReadResult result = exchange::readDxf(*database, name);
+        if (result.status != Acad::eOk) {
+            problem = result.message.empty() ? name + L": " + acadErrorStatusText(result.status) : result.message;
             return nullptr;
         }
+        if (result.audit.errorsFound() > 0)
+            host_.commandLine().write(L"\n" + result.audit.summary() + L"\n");
     } else {
         ++newDrawings_;
     }

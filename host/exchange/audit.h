@@ -2,7 +2,8 @@
 
 // Findings about a drawing: what a file said that cannot be, and what was done about it.
 //
-// Each kind of finding has a number of its own, which stays the same from version to version: see docs/dxf.md.
+// Each kind of finding has a number of its own, which stays the same from version to version: see
+// docs/dxf.md.
 
 #include <cstddef>
 #include <string>
@@ -14,34 +15,34 @@ namespace drafthost::exchange {
 
 enum class AuditCode {
     // The file.
-    MissingEndMark = 101,     // no "0 EOF" behind the last section
-    DamagedText = 102,        // texts that are not in the file's encoding
-    ForeignCodePage = 103,    // texts of a code page that is not translated
-    LateVariables = 104,      // header variables behind the end of the header: read as if they stood in it
+    MissingEndMark = 101,   // no "0 EOF" behind the last section
+    DamagedText = 102,      // texts that are not in the file's encoding
+    ForeignCodePage = 103,  // texts of a code page that is not translated
+    LateVariables = 104,    // header variables behind the end of the header: read as if they stood in it
     // Handles.
     DuplicateHandle = 201,    // of two objects one gets a new handle
     UnusableHandle = 202,     // zero or too large: a new one is given
     DanglingReference = 203,  // reference to an object that does not exist: set to null or taken out
     // Tables and blocks.
-    DuplicateRecord = 301,    // a second record of the same name: left out
-    MissingLayer = 302,       // a layer that entities name: added
-    MissingLinetype = 303,    // added, without dashes
-    MissingTextStyle = 304,   // added, with the standard font
+    DuplicateRecord = 301,        // a second record of the same name: left out
+    MissingLayer = 302,           // a layer that entities name: added
+    MissingLinetype = 303,        // added, without dashes
+    MissingTextStyle = 304,       // added, with the standard font
     MissingDimensionStyle = 305,  // added
-    MissingBlock = 306,       // an insertion of a block without definition: an empty one is added
-    MissingApplication = 307, // of extended data: added
-    BlockCycle = 308,         // a block that contains itself: that insertion is left out
-    DuplicateBlock = 309,     // a second definition: left out
-    InvalidLayerName = 310,   // with characters that names cannot hold: these become "_"
+    MissingBlock = 306,           // an insertion of a block without definition: an empty one is added
+    MissingApplication = 307,     // of extended data: added
+    BlockCycle = 308,             // a block that contains itself: that insertion is left out
+    DuplicateBlock = 309,         // a second definition: left out
+    InvalidLayerName = 310,       // with characters that names cannot hold: these become "_"
     // Entities and objects.
-    OrphanedPart = 401,       // attribute, vertex or sequence end that follows nothing it belongs to: left out
-    MissingSequenceEnd = 402, // added
-    WrongOwner = 403,         // owner corrected
-    ZeroScale = 404,          // a block insertion of scale 0: set to 1
-    RepeatedSubclass = 406,   // an object with the data of two: the second are left out
-    NoRadius = 405,           // circle or arc whose radius is not positive: left out
+    OrphanedPart = 401,  // attribute, vertex or sequence end that follows nothing it belongs to: left out
+    MissingSequenceEnd = 402,  // added
+    WrongOwner = 403,          // owner corrected
+    ZeroScale = 404,           // a block insertion of scale 0: set to 1
+    RepeatedSubclass = 406,    // an object with the data of two: the second are left out
+    NoRadius = 405,            // circle or arc whose radius is not positive: left out
     // The drawing as a whole.
-    Completed = 501,          // something every drawing has was missing and has been added
+    Completed = 501,  // something every drawing has was missing and has been added
 };
 
 struct AuditFinding {
@@ -52,7 +53,7 @@ struct AuditFinding {
 };
 
 class AuditReport {
-  public:
+public:
     const std::vector<AuditFinding>& findings() const { return findings_; }
     void add(AuditCode code, std::wstring text, std::size_t line = 0, bool fixed = true);
     std::size_t errorsFound() const { return found_; }
@@ -60,15 +61,16 @@ class AuditReport {
     // "Auditing: 3 errors found, 3 fixed". Additions to complete a drawing are no errors and are not counted.
     std::wstring summary() const;
 
-  private:
+private:
     std::vector<AuditFinding> findings_;
     std::size_t found_ = 0;
     std::size_t fixed_ = 0;
 };
 
-// Checks the references between the objects of a drawing and corrects them: owners, reactors, extension dictionaries,
-// dictionary entries, and handles in kept groups that no object has. Arbitrary handles (groups 320 to 329) and handles
-// in extended data (1005) are left alone: they may be meant for another drawing. No object may be open for write.
+// Checks the references between the objects of a drawing and corrects them: owners, reactors, extension
+// dictionaries, dictionary entries, and handles in kept groups that no object has. Arbitrary handles (groups
+// 320 to 329) and handles in extended data (1005) are left alone: they may be meant for another drawing. No
+// object may be open for write.
 void auditDatabase(AcDbDatabase& database, AuditReport& report);
 
 }  // namespace drafthost::exchange

@@ -11,12 +11,12 @@ namespace drafthost::exchange {
 
 // Thrown inside the reader and turned into a status and a message at its entry point.
 class DxfError : public std::runtime_error {
-  public:
+public:
     // line: counted from 1; 0 when the problem has no place in the file.
     DxfError(std::size_t line, const std::string& reason) : std::runtime_error(reason), line_(line) {}
     std::size_t line() const { return line_; }
 
-  private:
+private:
     std::size_t line_;
 };
 

@@ -24,8 +24,10 @@ struct IntegerRange {
 };
 IntegerRange rangeOf(DxfKind kind) {
     switch (kind) {
-        case DxfKind::Int16: return {std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::uint16_t>::max()};
-        case DxfKind::Int32: return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::uint32_t>::max()};
+        case DxfKind::Int16:
+            return {std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::uint16_t>::max()};
+        case DxfKind::Int32:
+            return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::uint32_t>::max()};
         default: return {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()};
     }
 }
@@ -34,7 +36,8 @@ IntegerRange rangeOf(DxfKind kind) {
 
 double realOf(const DxfTag& tag) {
     const auto value = parseReal(tag.text);
-    if (!value) failValue(tag, "real number");
+    if (!value)
+        failValue(tag, "real number");
     return *value;
 }
 
@@ -42,20 +45,23 @@ std::int64_t integerOf(const DxfTag& tag) {
     const auto value = parseInteger(tag.text);
     const DxfKind kind = dxfKind(tag.code);
     const IntegerRange range = rangeOf(kind);
-    if (!value || *value < range.lowest || *value > range.highest) failValue(tag, "whole number");
+    if (!value || *value < range.lowest || *value > range.highest)
+        failValue(tag, "whole number");
     return kind == DxfKind::Int32 ? static_cast<std::int32_t>(*value) : *value;
 }
 
 AcDbHandle handleOf(const DxfTag& tag) {
     const auto value = parseHandle(tag.text);
-    if (!value) failValue(tag, "handle");
+    if (!value)
+        failValue(tag, "handle");
     return AcDbHandle(*value);
 }
 
 std::wstring DxfInput::text(std::string_view bytes) {
     bool damaged = false;
     std::wstring decoded = decodeText(bytes, encoding_, damaged);
-    if (damaged) ++damagedTexts_;
+    if (damaged)
+        ++damagedTexts_;
     return decoded;
 }
 
@@ -65,7 +71,8 @@ namespace {
 const std::array<DxfKind, 1072>& kinds() {
     static const auto table = [] {
         std::array<DxfKind, 1072> all{};
-        for (int code = 0; code < 1072; ++code) all[static_cast<std::size_t>(code)] = dxfKind(code);
+        for (int code = 0; code < 1072; ++code)
+            all[static_cast<std::size_t>(code)] = dxfKind(code);
         return all;
     }();
     return table;
@@ -87,27 +94,33 @@ DxfGroup DxfInput::group(std::span<const DxfTag> tags, std::size_t& at) {
         case DxfKind::Reference: return reference(tag);
         case DxfKind::Binary: {
             auto data = parseBinary(tag.text);
-            if (!data) failValue(tag, "pairs of hexadecimal digits");
+            if (!data)
+                failValue(tag, "pairs of hexadecimal digits");
             return {code, std::move(*data)};
         }
         case DxfKind::Point: {
-            if (!follows(code + 10)) return {code, realOf(tag)};
+            if (!follows(code + 10))
+                return {code, realOf(tag)};
             const double x = realOf(tag);
             const double y = realOf(tags[at++]);
-            if (!follows(code + 20)) return {code, AcGePoint2d(x, y)};
+            if (!follows(code + 20))
+                return {code, AcGePoint2d(x, y)};
             return {code, AcGePoint3d(x, y, realOf(tags[at++]))};
         }
         case DxfKind::Text: break;
     }
-    if (code == kPiece || code == kLastPiece) return {code, piece(tags, at - 1)};
+    if (code == kPiece || code == kLastPiece)
+        return {code, piece(tags, at - 1)};
     return {code, text(tag.text)};
 }
 
 DxfGroup DxfInput::reference(const DxfTag& tag) {
     const auto code = static_cast<short>(tag.code);
     const auto value = parseHandle(tag.text);
-    // Handles in extended data are the business of their application, and dimension styles of old files have a name here.
-    if (!value && (code == 1005 || code == 5)) return {code, text(tag.text)};
+    // Handles in extended data are the business of their application, and dimension styles of old files have
+    // a name here.
+    if (!value && (code == 1005 || code == 5))
+        return {code, text(tag.text)};
     const bool empty = trimmed(tag.text).empty();
     AcDbHandle handle = empty ? AcDbHandle() : handleOf(tag);
     if (handle.value() > kHighestHandle) {
@@ -133,7 +146,8 @@ std::wstring DxfInput::piece(std::span<const DxfTag> tags, std::size_t at) {
 std::vector<DxfGroup> DxfInput::groups(std::span<const DxfTag> tags) {
     std::vector<DxfGroup> groups;
     groups.reserve(tags.size());
-    for (std::size_t at = 0; at < tags.size();) groups.push_back(group(tags, at));
+    for (std::size_t at = 0; at < tags.size();)
+        groups.push_back(group(tags, at));
     return groups;
 }
 

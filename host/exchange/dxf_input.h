@@ -15,13 +15,13 @@ namespace drafthost::exchange {
 constexpr std::uint64_t kHighestHandle = std::uint64_t{1} << 60;
 
 class DxfInput {
-  public:
+public:
     explicit DxfInput(TextEncoding encoding) : encoding_(encoding) {}
 
     // The groups of a record. Coordinates that follow each other (10, 20, 30) become one point group.
-    // Long texts come in pieces (groups 3 and then 1); a character that was cut in two by that is put together in the
-    // later piece. A null reference stands for an empty one.
-    // Throws DxfError when a value is not of its group's kind: "group 40: real number expected, found "abc"".
+    // Long texts come in pieces (groups 3 and then 1); a character that was cut in two by that is put
+    // together in the later piece. A null reference stands for an empty one. Throws DxfError when a value is
+    // not of its group's kind: "group 40: real number expected, found "abc"".
     std::vector<DxfGroup> groups(std::span<const DxfTag> tags);
     // One group; at moves behind it. A point takes up to three tags.
     DxfGroup group(std::span<const DxfTag> tags, std::size_t& at);
@@ -34,7 +34,7 @@ class DxfInput {
     // How many references held a handle beyond kHighestHandle; they are null now.
     int unusableReferences() const { return unusableReferences_; }
 
-  private:
+private:
     std::wstring piece(std::span<const DxfTag> tags, std::size_t at);
     DxfGroup reference(const DxfTag& tag);
 

@@ -13,15 +13,15 @@
 
 namespace drafthost::exchange {
 
-// Loads once. What is wrong but can be put right goes to the report; the rest is thrown as DxfError, and the database is
-// then half-filled.
+// Loads once. What is wrong but can be put right goes to the report; the rest is thrown as DxfError, and the
+// database is then half-filled.
 class DxfLoader {
-  public:
+public:
     DxfLoader(AcDbDatabase& database, const DxfStructure& structure, AuditReport& report);
     void run();
     const DxfInput& input() const { return input_; }
 
-  private:
+private:
     using Groups = std::vector<DxfGroup>;
     using Records = std::vector<DxfRecord>;
 
@@ -42,7 +42,8 @@ class DxfLoader {
 
     // The groups of the record, from group 0 on, without a handle that cannot be used.
     Groups groupsOf(const DxfRecord& record);
-    // Some writers put the name of a dimension style's text style where its handle belongs. Empty: not such a group.
+    // Some writers put the name of a dimension style's text style where its handle belongs. Empty: not such a
+    // group.
     std::optional<ObjectReference> namedTextStyle(const DxfRecord& record, const DxfTag& tag);
     AcDbObjectId require(const LoadResult& result, const DxfRecord& record);
 

@@ -13,7 +13,8 @@ namespace {
 // std::from_chars knows no plus sign.
 std::string_view withoutPlus(std::string_view text) {
     text = trimmed(text);
-    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-')
+        text.remove_prefix(1);
     return text;
 }
 
@@ -38,34 +39,40 @@ std::optional<double> parseReal(std::string_view text) {
         value = text.size() <= kLongestNumber ? std::strtod(std::string(text).c_str(), nullptr) : HUGE_VAL;
         return std::fabs(value) < 1 ? std::optional<double>(0.0) : std::nullopt;
     }
-    if (error != std::errc() || !std::isfinite(value)) return std::nullopt;
+    if (error != std::errc() || !std::isfinite(value))
+        return std::nullopt;
     return value;
 }
 
 std::optional<std::int64_t> parseInteger(std::string_view text) {
     text = withoutPlus(text);
     std::int64_t value = 0;
-    if (parseWhole(text, value, 10) == std::errc()) return value;
+    if (parseWhole(text, value, 10) == std::errc())
+        return value;
     constexpr double kExactLimit = 9007199254740992.0;  // 2^53
     const std::optional<double> real = parseReal(text);
-    if (!real || *real != std::floor(*real) || std::fabs(*real) > kExactLimit) return std::nullopt;
+    if (!real || *real != std::floor(*real) || std::fabs(*real) > kExactLimit)
+        return std::nullopt;
     return static_cast<std::int64_t>(*real);
 }
 
 std::optional<std::uint64_t> parseHandle(std::string_view text) {
     std::uint64_t value = 0;
-    if (parseWhole(trimmed(text), value, 16) != std::errc()) return std::nullopt;
+    if (parseWhole(trimmed(text), value, 16) != std::errc())
+        return std::nullopt;
     return value;
 }
 
 std::optional<std::vector<std::uint8_t>> parseBinary(std::string_view text) {
     text = trimmed(text);
-    if (text.size() % 2 != 0) return std::nullopt;
+    if (text.size() % 2 != 0)
+        return std::nullopt;
     std::vector<std::uint8_t> data;
     data.reserve(text.size() / 2);
     for (std::size_t at = 0; at < text.size(); at += 2) {
         std::uint8_t byte = 0;
-        if (parseWhole(text.substr(at, 2), byte, 16) != std::errc()) return std::nullopt;
+        if (parseWhole(text.substr(at, 2), byte, 16) != std::errc())
+            return std::nullopt;
         data.push_back(byte);
     }
     return data;
@@ -78,8 +85,10 @@ void appendReal(std::string& bytes, double value) {
     const std::size_t exponent = text.find('e');
     const std::string_view mantissa = text.substr(0, exponent);
     bytes += mantissa;
-    if (mantissa.find('.') == std::string_view::npos) bytes += ".0";
-    if (exponent == std::string_view::npos) return;
+    if (mantissa.find('.') == std::string_view::npos)
+        bytes += ".0";
+    if (exponent == std::string_view::npos)
+        return;
     bytes += 'E';
     bytes += text.substr(exponent + 1);
 }

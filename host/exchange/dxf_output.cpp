@@ -18,7 +18,8 @@ void appendInteger(std::string& bytes, std::int64_t value) {
 
 void DxfOutput::code(int value) {
     // Codes are written right-aligned to three places.
-    if (value >= 0 && value < 100) bytes_ += value < 10 ? "  " : " ";
+    if (value >= 0 && value < 100)
+        bytes_ += value < 10 ? "  " : " ";
     appendInteger(bytes_, value);
     endLine();
 }
@@ -85,7 +86,8 @@ void DxfOutput::group(const DxfGroup& group) {
 }
 
 void DxfOutput::groups(std::span<const DxfGroup> groups) {
-    for (const DxfGroup& each : groups) group(each);
+    for (const DxfGroup& each : groups)
+        group(each);
 }
 
 }  // namespace drafthost::exchange

@@ -11,7 +11,7 @@
 namespace drafthost::exchange {
 
 class DxfOutput {
-  public:
+public:
     explicit DxfOutput(TextEncoding encoding) : encoding_(encoding) {}
 
     void text(int code, std::wstring_view value);
@@ -26,7 +26,7 @@ class DxfOutput {
 
     std::string& bytes() { return bytes_; }
 
-  private:
+private:
     void code(int value);
     void endLine() { bytes_ += "\r\n"; }
     TextEncoding encoding_;

@@ -26,9 +26,11 @@ void clear(AcDbDatabase::Impl& impl) {
 void load(AcDbDatabase& database, std::string_view bytes, AuditReport& audit) {
     bool endMark = false;
     const std::vector<DxfTag> tags = readTags(bytes, endMark);
-    if (tags.empty()) throw DxfError(1, "the file holds no drawing");
+    if (tags.empty())
+        throw DxfError(1, "the file holds no drawing");
     const DxfStructure structure = structureOf(tags);
-    if (!endMark) audit.add(AuditCode::MissingEndMark, L"the end mark (0 EOF) is missing", tags.back().line);
+    if (!endMark)
+        audit.add(AuditCode::MissingEndMark, L"the end mark (0 EOF) is missing", tags.back().line);
     for (const std::uint32_t line : structure.lateVariables)
         audit.add(AuditCode::LateVariables, L"header variables stand behind the end of the header", line);
     DxfLoader loader(database, structure, audit);
@@ -65,9 +67,11 @@ std::wstring located(const std::wstring& name, const DxfError& error) {
 // False when the file cannot be read to its end.
 bool readWhole(const std::filesystem::path& file, std::string& bytes) {
     std::ifstream stream(file, std::ios::binary | std::ios::ate);
-    if (!stream) return false;
+    if (!stream)
+        return false;
     const std::streamoff size = stream.tellg();
-    if (size < 0) return false;
+    if (size < 0)
+        return false;
     bytes.resize(static_cast<std::size_t>(size));
     stream.seekg(0);
     stream.read(bytes.data(), size);
@@ -77,9 +81,11 @@ bool readWhole(const std::filesystem::path& file, std::string& bytes) {
 }  // namespace
 
 DxfReadResult readDxfBytes(AcDbDatabase& database, std::string_view bytes, const std::wstring& name) {
-    if (!database.modelSpaceId().isNull()) return failed(Acad::eNotApplicable, name + L": the drawing is not empty");
+    if (!database.modelSpaceId().isNull())
+        return failed(Acad::eNotApplicable, name + L": the drawing is not empty");
     if (isBinaryDxf(bytes))
-        return failed(Acad::eInvalidFileVersion, name + L": binary DXF files cannot be read, only ASCII ones");
+        return failed(Acad::eInvalidFileVersion,
+                      name + L": binary DXF files cannot be read, only ASCII ones");
     DxfReadResult result;
     try {
         load(database, bytes, result.audit);
@@ -96,7 +102,8 @@ DxfReadResult readDxfBytes(AcDbDatabase& database, std::string_view bytes, const
 DxfReadResult readDxf(AcDbDatabase& database, const std::filesystem::path& file) {
     const std::wstring name = file.wstring();
     std::error_code error;
-    if (!std::filesystem::exists(file, error)) return failed(Acad::eFileNotFound, name + L": file not found");
+    if (!std::filesystem::exists(file, error))
+        return failed(Acad::eFileNotFound, name + L": file not found");
     std::string bytes;
     try {
         if (!std::filesystem::is_regular_file(file, error) || !readWhole(file, bytes))
@@ -105,7 +112,8 @@ DxfReadResult readDxf(AcDbDatabase& database, const std::filesystem::path& file)
         return failed(Acad::eOutOfMemory, name + L": not enough memory");
     }
     DxfReadResult result = readDxfBytes(database, bytes, name);
-    if (result.status == Acad::eOk) database.impl().fileName = std::filesystem::absolute(file, error).wstring();
+    if (result.status == Acad::eOk)
+        database.impl().fileName = std::filesystem::absolute(file, error).wstring();
     return result;
 }
 

@@ -15,7 +15,8 @@ struct DxfReadResult {
     // eFileNotFound; eFileAccessErr: exists but cannot be read; eInvalidFileVersion: a binary file;
     // eFileInternalErr: damaged; eNotApplicable: the database is not empty.
     Acad::ErrorStatus status = Acad::eOk;
-    std::wstring message;  // "plan.dxf(line 123): group 40: real number expected, found "abc""; empty when all went well
+    std::wstring message;  // "plan.dxf(line 123): group 40: real number expected, found "abc""; empty when
+                           // all went well
     AuditReport audit;     // what was found and corrected
 };
 

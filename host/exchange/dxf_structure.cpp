@@ -7,7 +7,7 @@ constexpr std::int32_t kVariableName = 9;
 
 // Walks through tags from one group 0 to the next.
 class RecordReader {
-  public:
+public:
     explicit RecordReader(std::span<const DxfTag> tags) : tags_(tags) {}
 
     bool atEnd() const { return at_ == tags_.size(); }
@@ -15,7 +15,9 @@ class RecordReader {
     std::uint32_t lastLine() const { return tags_.empty() ? 0 : tags_.back().line; }
     std::size_t position() const { return at_; }
     void skip() { ++at_; }
-    std::span<const DxfTag> since(std::size_t position) const { return tags_.subspan(position, at_ - position); }
+    std::span<const DxfTag> since(std::size_t position) const {
+        return tags_.subspan(position, at_ - position);
+    }
 
     // The next record; the current tag must be a group 0.
     DxfRecord next() {
@@ -23,14 +25,17 @@ class RecordReader {
             throw DxfError(current().line, "group 0 expected, found group " + std::to_string(current().code));
         DxfRecord record{trimmed(current().text), current().line, {}};
         const std::size_t first = ++at_;
-        while (!atEnd() && current().code != 0) ++at_;
+        while (!atEnd() && current().code != 0)
+            ++at_;
         record.tags = since(first);
         return record;
     }
     // The type of the record that next() would give; empty at the end.
-    std::string_view nextType() const { return atEnd() || current().code != 0 ? "" : trimmed(current().text); }
+    std::string_view nextType() const {
+        return atEnd() || current().code != 0 ? "" : trimmed(current().text);
+    }
 
-  private:
+private:
     std::span<const DxfTag> tags_;
     std::size_t at_ = 0;
 };
@@ -42,19 +47,22 @@ void readVariables(std::span<const DxfTag> tags, DxfStructure& structure) {
                                               std::to_string(tags[at].code));
         DxfVariable variable{trimmed(tags[at].text), {}};
         const std::size_t first = ++at;
-        while (at < tags.size() && tags[at].code != kVariableName) ++at;
+        while (at < tags.size() && tags[at].code != kVariableName)
+            ++at;
         variable.tags = tags.subspan(first, at - first);
         structure.header.push_back(variable);
     }
 }
 
 void readRecords(std::span<const DxfTag> tags, std::vector<DxfRecord>& records) {
-    for (RecordReader reader(tags); !reader.atEnd();) records.push_back(reader.next());
+    for (RecordReader reader(tags); !reader.atEnd();)
+        records.push_back(reader.next());
 }
 
 std::string_view tableName(const DxfRecord& head) {
     for (const DxfTag& tag : head.tags)
-        if (tag.code == 2) return trimmed(tag.text);
+        if (tag.code == 2)
+            return trimmed(tag.text);
     throw DxfError(head.line, "a table has no name (group 2)");
 }
 
@@ -85,7 +93,8 @@ void readBlocks(std::span<const DxfTag> tags, DxfStructure& structure) {
         while (reader.nextType() != "ENDBLK") {
             if (reader.atEnd() || reader.nextType() == "BLOCK")
                 throw DxfError(reader.atEnd() ? reader.lastLine() : reader.current().line,
-                               "the block of line " + std::to_string(block.begin.line) + " does not end: ENDBLK is missing");
+                               "the block of line " + std::to_string(block.begin.line) +
+                                   " does not end: ENDBLK is missing");
             block.entities.push_back(reader.next());
         }
         block.end = reader.next();
@@ -95,24 +104,34 @@ void readBlocks(std::span<const DxfTag> tags, DxfStructure& structure) {
 
 void sortIn(const DxfSection& section, DxfStructure& structure) {
     const auto [name, tags] = section;
-    if (name == "HEADER") return readVariables(tags, structure);
-    if (name == "CLASSES") return readRecords(tags, structure.classes);
-    if (name == "TABLES") return readTables(tags, structure);
-    if (name == "BLOCKS") return readBlocks(tags, structure);
-    if (name == "ENTITIES") return readRecords(tags, structure.entities);
-    if (name == "OBJECTS") return readRecords(tags, structure.objects);
+    if (name == "HEADER")
+        return readVariables(tags, structure);
+    if (name == "CLASSES")
+        return readRecords(tags, structure.classes);
+    if (name == "TABLES")
+        return readTables(tags, structure);
+    if (name == "BLOCKS")
+        return readBlocks(tags, structure);
+    if (name == "ENTITIES")
+        return readRecords(tags, structure.entities);
+    if (name == "OBJECTS")
+        return readRecords(tags, structure.objects);
     structure.others.push_back(section);
 }
 
-// Some writers end the header too early: more variables and a second ENDSEC follow. False: that is not what comes next.
+// Some writers end the header too early: more variables and a second ENDSEC follow. False: that is not what
+// comes next.
 bool readLateVariables(RecordReader& reader, DxfStructure& structure) {
     const DxfTag begin = reader.current();
-    if (begin.code != kVariableName || structure.header.empty()) return false;
+    if (begin.code != kVariableName || structure.header.empty())
+        return false;
     const std::size_t first = reader.position();
-    while (!reader.atEnd() && reader.current().code != 0) reader.skip();
+    while (!reader.atEnd() && reader.current().code != 0)
+        reader.skip();
     readVariables(reader.since(first), structure);
     structure.lateVariables.push_back(begin.line);
-    if (reader.nextType() == "ENDSEC") reader.skip();
+    if (reader.nextType() == "ENDSEC")
+        reader.skip();
     return true;
 }
 
@@ -122,16 +141,18 @@ DxfSection readSection(RecordReader& reader) {
         throw DxfError(begin.line, "SECTION expected, found group " + std::to_string(begin.code) + " " +
                                        quotedForMessage(begin.text));
     reader.skip();
-    if (reader.atEnd() || reader.current().code != 2) throw DxfError(begin.line, "a section has no name (group 2)");
+    if (reader.atEnd() || reader.current().code != 2)
+        throw DxfError(begin.line, "a section has no name (group 2)");
     DxfSection section{trimmed(reader.current().text), {}};
     reader.skip();
     const std::size_t first = reader.position();
     while (reader.nextType() != "ENDSEC") {
         if (reader.atEnd())
-            throw DxfError(reader.lastLine(), "the file ends inside section " + quotedForMessage(section.name) +
-                                                  ": ENDSEC is missing");
+            throw DxfError(reader.lastLine(), "the file ends inside section " +
+                                                  quotedForMessage(section.name) + ": ENDSEC is missing");
         if (reader.nextType() == "SECTION")
-            throw DxfError(reader.current().line, "section " + quotedForMessage(section.name) + " does not end");
+            throw DxfError(reader.current().line,
+                           "section " + quotedForMessage(section.name) + " does not end");
         reader.skip();
     }
     section.tags = reader.since(first);
@@ -143,14 +164,16 @@ DxfSection readSection(RecordReader& reader) {
 
 std::string_view DxfStructure::variable(std::string_view name) const {
     for (const DxfVariable& candidate : header)
-        if (candidate.name == name && !candidate.tags.empty()) return trimmed(candidate.tags.front().text);
+        if (candidate.name == name && !candidate.tags.empty())
+            return trimmed(candidate.tags.front().text);
     return {};
 }
 
 DxfStructure structureOf(std::span<const DxfTag> tags) {
     DxfStructure structure;
     for (RecordReader reader(tags); !reader.atEnd();)
-        if (!readLateVariables(reader, structure)) sortIn(readSection(reader), structure);
+        if (!readLateVariables(reader, structure))
+            sortIn(readSection(reader), structure);
     return structure;
 }
 

@@ -13,9 +13,9 @@ namespace drafthost::exchange {
 
 // What begins with a group 0: an entity, an object, a table record.
 struct DxfRecord {
-    std::string_view type;          // "LINE"
-    std::uint32_t line = 0;         // of its group 0
-    std::span<const DxfTag> tags;   // those behind the group 0
+    std::string_view type;         // "LINE"
+    std::uint32_t line = 0;        // of its group 0
+    std::span<const DxfTag> tags;  // those behind the group 0
 };
 
 struct DxfVariable {
@@ -49,7 +49,8 @@ struct DxfStructure {
     std::vector<DxfRecord> objects;
     std::vector<DxfSection> others;  // sections of other names, in order
 
-    std::vector<std::uint32_t> lateVariables;  // lines where header variables go on behind the end of the header
+    std::vector<std::uint32_t>
+        lateVariables;  // lines where header variables go on behind the end of the header
 
     // First value of a header variable without blanks around it; empty when there is none.
     std::string_view variable(std::string_view name) const;

@@ -19,10 +19,10 @@ struct DxfTag {
 // True for the binary form of DXF, which readTags does not read.
 bool isBinaryDxf(std::string_view bytes);
 
-// Splits the file into tags up to the end mark (0 EOF) and leaves out comments (999). Lines end with LF, CR LF, or, in
-// a file without any LF, CR; a byte order mark in front is skipped. endMark: whether the end mark was found.
-// Throws DxfError for a line that is not a group code and for a group code without a value.
-// The bytes must outlive the tags.
+// Splits the file into tags up to the end mark (0 EOF) and leaves out comments (999). Lines end with LF, CR
+// LF, or, in a file without any LF, CR; a byte order mark in front is skipped. endMark: whether the end mark
+// was found. Throws DxfError for a line that is not a group code and for a group code without a value. The
+// bytes must outlive the tags.
 std::vector<DxfTag> readTags(std::string_view bytes, bool& endMark);
 
 // The text without blanks around it.

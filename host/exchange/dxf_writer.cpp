@@ -2,20 +2,22 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <charconv>
 #include <optional>
 
 #include "host/database/block_reference_state.h"
 #include "host/database/loading.h"
 #include "host/database/table_states.h"
 #include "host/database/unknown_objects.h"
+#include "host/exchange/dxf_numbers.h"
 #include "host/exchange/dxf_output.h"
 #include "host/exchange/file_replace.h"
 
 namespace drafthost::exchange {
 namespace {
 
-constexpr std::array<std::string_view, 6> kVersions = {"AC1015", "AC1018", "AC1021", "AC1024", "AC1027", "AC1032"};
+constexpr std::array<std::string_view, 6> kVersions = {"AC1015", "AC1018", "AC1021",
+                                                       "AC1024", "AC1027", "AC1032"};
 
 // Corners of the extents of a drawing without anything in it.
 constexpr double kNoExtents = 1e20;
@@ -26,7 +28,8 @@ constexpr std::array<TableIndex, kTableCount> kTableOrder = {
 
 std::string asciiOf(const std::wstring& text) {
     std::string ascii;
-    for (const wchar_t c : text) ascii += c < 0x80 ? static_cast<char>(c) : '?';
+    for (const wchar_t c : text)
+        ascii += c < 0x80 ? static_cast<char>(c) : '?';
     return ascii;
 }
 
@@ -40,23 +43,30 @@ const State* stateOf(const AcDbObject* object) {
     return object ? dynamic_cast<const State*>(ObjectImp::of(object).state.get()) : nullptr;
 }
 
-// To ten digits: an angle that went through radians may differ in its last bit from what it was when the file is read,
-// and the header must not change with it.
+// To ten digits: an angle that went through radians may differ in its last bit from what it was when the file
+// is read, and the header must not change with it.
 double rounded(double value) {
-    if (value == 0 || !std::isfinite(value)) return value;
-    const double unit = std::pow(10.0, std::floor(std::log10(std::fabs(value))) - 9);
-    return unit < 1 ? std::round(value * std::round(1 / unit)) / std::round(1 / unit) : std::round(value / unit) * unit;
+    std::array<char, 40> digits{};
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::scientific, 9);
+    const auto parsed =
+        parseReal(std::string_view(digits.data(), static_cast<std::size_t>(end.ptr - digits.data())));
+    return parsed.value_or(value);
 }
 
-AcGePoint3d rounded(const AcGePoint3d& p) { return AcGePoint3d(rounded(p.x), rounded(p.y), rounded(p.z)); }
+AcGePoint3d rounded(const AcGePoint3d& p) {
+    return AcGePoint3d(rounded(p.x), rounded(p.y), rounded(p.z));
+}
 
 AcDbExtents modelExtents(const AcDbDatabase& database) {
     AcDbExtents extents;
     const auto* const space = stateOf<BlockState>(alive(database.modelSpaceId()));
-    if (!space) return extents;
+    if (!space)
+        return extents;
     for (const AcDbObjectId id : space->entities) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        if (entity) entity->getGeomExtents(extents);  // entities without extents add nothing
+        if (entity)
+            entity->getGeomExtents(extents);  // entities without extents add nothing
     }
     return extents;
 }
@@ -70,19 +80,19 @@ void dropDeadReferences(std::vector<DxfGroup>& groups) {
             inReactors = text && *text == L"{ACAD_REACTORS";
         }
         auto* const reference = std::get_if<ObjectReference>(&group.value);
-        const bool pointer = (group.code >= 330 && group.code <= 369) || (group.code >= 390 && group.code <= 399);
-        if (!reference || !pointer || reference->id.isNull() || alive(reference->id)) return false;
+        const bool pointer =
+            (group.code >= 330 && group.code <= 369) || (group.code >= 390 && group.code <= 399);
+        if (!reference || !pointer || reference->id.isNull() || alive(reference->id))
+            return false;
         *reference = ObjectReference();
         return inReactors;
     });
 }
 
 class DxfWriter {
-  public:
+public:
     explicit DxfWriter(AcDbDatabase& database)
-        : database_(database),
-          impl_(database.impl()),
-          version_(fileVersion(database)),
+        : database_(database), impl_(database.impl()), version_(fileVersion(database)),
           output_(encodingOf(version_, asciiOf(impl_.settings.header.text(L"$DWGCODEPAGE")))) {}
 
     std::string write() {
@@ -97,7 +107,7 @@ class DxfWriter {
         return std::move(output_.bytes());
     }
 
-  private:
+private:
     void beginSection(std::string_view name) {
         output_.ascii(0, "SECTION");
         output_.ascii(2, name);
@@ -126,7 +136,8 @@ class DxfWriter {
 };
 
 void DxfWriter::write(const AcDbObject* object) {
-    if (!object) return;
+    if (!object)
+        return;
     std::vector<DxfGroup> groups = fileGroups(*object);
     dropDeadReferences(groups);
     output_.groups(groups);
@@ -138,11 +149,13 @@ bool DxfWriter::writeComputed(const std::wstring& name) {
     } else if (name == L"$HANDSEED") {
         output_.handle(5, AcDbHandle(impl_.nextHandle));
     } else if (name == L"$EXTMIN" || name == L"$EXTMAX") {
-        if (!extents_) extents_ = modelExtents(database_);
+        if (!extents_)
+            extents_ = modelExtents(database_);
         const bool minimum = name == L"$EXTMIN";
         const double none = minimum ? kNoExtents : -kNoExtents;
-        output_.point(10, !extents_->isValid() ? AcGePoint3d(none, none, none)
-                                              : rounded(minimum ? extents_->minPoint() : extents_->maxPoint()));
+        output_.point(10, !extents_->isValid()
+                              ? AcGePoint3d(none, none, none)
+                              : rounded(minimum ? extents_->minPoint() : extents_->maxPoint()));
     } else {
         return false;
     }
@@ -155,11 +168,14 @@ void DxfWriter::writeHeader() {
     const HeaderVariables& header = impl_.settings.header;
     const auto write = [&](const std::wstring& name) {
         output_.text(9, name);
-        if (!writeComputed(name)) output_.groups(headerVariable(database_, name));
+        if (!writeComputed(name))
+            output_.groups(headerVariable(database_, name));
     };
     for (const wchar_t* name : kAlways)
-        if (!header.find(name)) write(name);
-    for (const HeaderVariables::Entry& entry : header.entries()) write(entry.name);
+        if (!header.find(name))
+            write(name);
+    for (const HeaderVariables::Entry& entry : header.entries())
+        write(entry.name);
     endSection();
 }
 
@@ -173,7 +189,8 @@ void DxfWriter::writeClasses() {
 }
 
 void DxfWriter::writeTable(const TableState& table) {
-    for (const AcDbObjectId id : table.records) write(alive(id));
+    for (const AcDbObjectId id : table.records)
+        write(alive(id));
     output_.ascii(0, "ENDTAB");
 }
 
@@ -182,7 +199,8 @@ void DxfWriter::writeTables() {
     for (const TableIndex index : kTableOrder) {
         const AcDbObject* const table = alive(impl_.table(index));
         const auto* const state = stateOf<TableState>(table);
-        if (!state) continue;
+        if (!state)
+            continue;
         write(table);
         writeTable(*state);
     }
@@ -190,19 +208,24 @@ void DxfWriter::writeTables() {
 }
 
 void DxfWriter::writeEntity(const AcDbObject* entity) {
-    if (!entity) return;
+    if (!entity)
+        return;
     write(entity);
     if (const auto* insert = stateOf<BlockReferenceState>(entity)) {
         const bool any = std::any_of(insert->attributes.begin(), insert->attributes.end(), alive);
-        for (const AcDbObjectId id : insert->attributes) write(alive(id));
-        if (any) write(alive(insert->sequenceEnd));
+        for (const AcDbObjectId id : insert->attributes)
+            write(alive(id));
+        if (any)
+            write(alive(insert->sequenceEnd));
     } else if (const auto* unknown = stateOf<UnknownEntityState>(entity)) {
-        for (const AcDbObjectId id : unknown->subEntities) write(alive(id));
+        for (const AcDbObjectId id : unknown->subEntities)
+            write(alive(id));
     }
 }
 
 void DxfWriter::writeEntities(const BlockState& block) {
-    for (const AcDbObjectId id : block.entities) writeEntity(alive(id));
+    for (const AcDbObjectId id : block.entities)
+        writeEntity(alive(id));
 }
 
 void DxfWriter::writeBlocks() {
@@ -210,10 +233,12 @@ void DxfWriter::writeBlocks() {
     const auto* const table = stateOf<TableState>(alive(impl_.table(TableIndex::Block)));
     for (const AcDbObjectId id : table ? table->records : std::vector<AcDbObjectId>()) {
         const auto* const block = stateOf<BlockState>(alive(id));
-        if (!block) continue;
+        if (!block)
+            continue;
         write(alive(block->begin));
         // What is in model space and in the current layout stands in the section of the entities.
-        if (id != impl_.modelSpace && id != impl_.paperSpace) writeEntities(*block);
+        if (id != impl_.modelSpace && id != impl_.paperSpace)
+            writeEntities(*block);
         write(alive(block->end));
     }
     endSection();
@@ -222,7 +247,8 @@ void DxfWriter::writeBlocks() {
 void DxfWriter::writeEntitiesSection() {
     beginSection("ENTITIES");
     for (const AcDbObjectId id : {impl_.modelSpace, impl_.paperSpace})
-        if (const auto* const space = stateOf<BlockState>(alive(id))) writeEntities(*space);
+        if (const auto* const space = stateOf<BlockState>(alive(id)))
+            writeEntities(*space);
     endSection();
 }
 
@@ -230,16 +256,22 @@ void DxfWriter::writeObjects() {
     std::vector<const AcDbStub*> objects;
     for (const AcDbStub* const stub : impl_.stubs) {
         const AcDbObject* const object = stub->erased ? nullptr : stub->object;
-        if (!object || object->objectId() == impl_.namedObjects) continue;
-        const bool elsewhere = object->isKindOf(AcDbEntity::desc()) || object->isKindOf(AcDbSymbolTable::desc()) ||
+        if (!object || object->objectId() == impl_.namedObjects)
+            continue;
+        const bool elsewhere = object->isKindOf(AcDbEntity::desc()) ||
+                               object->isKindOf(AcDbSymbolTable::desc()) ||
                                object->isKindOf(AcDbSymbolTableRecord::desc());
-        if (!elsewhere) objects.push_back(stub);
+        if (!elsewhere)
+            objects.push_back(stub);
     }
-    // The order of the stubs depends on who was referred to first, that of the handles is the same in every session.
-    std::sort(objects.begin(), objects.end(), [](const AcDbStub* a, const AcDbStub* b) { return a->handle < b->handle; });
+    // The order of the stubs depends on who was referred to first, that of the handles is the same in every
+    // session.
+    std::sort(objects.begin(), objects.end(),
+              [](const AcDbStub* a, const AcDbStub* b) { return a->handle < b->handle; });
     beginSection("OBJECTS");
     write(alive(impl_.namedObjects));  // readers take the first dictionary for the root
-    for (const AcDbStub* const stub : objects) write(stub->object);
+    for (const AcDbStub* const stub : objects)
+        write(stub->object);
     endSection();
 }
 
@@ -263,7 +295,9 @@ std::string fileVersion(const AcDbDatabase& database) {
                                                           : *found);
 }
 
-std::string dxfBytes(AcDbDatabase& database) { return DxfWriter(database).write(); }
+std::string dxfBytes(AcDbDatabase& database) {
+    return DxfWriter(database).write();
+}
 
 Acad::ErrorStatus writeDxf(AcDbDatabase& database, const std::filesystem::path& file) {
     return replaceFile(file, dxfBytes(database));

@@ -9,7 +9,8 @@
 
 namespace drafthost::exchange {
 
-// The drawing as the bytes of a file. Erased objects are left out. The same drawing always gives the same bytes.
+// The drawing as the bytes of a file. Erased objects are left out. The same drawing always gives the same
+// bytes.
 std::string dxfBytes(AcDbDatabase& database);
 
 // Writes a whole file or leaves an existing one as it was; statuses of replaceFile.

@@ -1,7 +1,7 @@
 #pragma once
 
-// The handles that the objects of a file have, looked through before anything is loaded: objects without one must not
-// be given a handle that comes later in the file.
+// The handles that the objects of a file have, looked through before anything is loaded: objects without one
+// must not be given a handle that comes later in the file.
 
 #include <unordered_set>
 
@@ -12,7 +12,7 @@
 namespace drafthost::exchange {
 
 class HandleSurvey {
-  public:
+public:
     // Throws DxfError for a handle that is not a hexadecimal number.
     HandleSurvey(const DxfStructure& structure, AuditReport& report);
 
@@ -21,7 +21,7 @@ class HandleSurvey {
     // True when the record's handle cannot be used: it is taken or out of range.
     bool mustReplace(const DxfRecord& record) const { return replaced_.contains(record.line); }
 
-  private:
+private:
     void take(const DxfRecord& record);
     AuditReport& report_;
     std::unordered_set<std::uint64_t> seen_;
@@ -29,8 +29,8 @@ class HandleSurvey {
     std::uint64_t highest_ = 0;
 };
 
-// The group of a record that holds its handle: 5, but 105 for DIMSTYLE, where 5 is a name. Only the first one before
-// the first subclass marker counts; null: the record has none.
+// The group of a record that holds its handle: 5, but 105 for DIMSTYLE, where 5 is a name. Only the first one
+// before the first subclass marker counts; null: the record has none.
 const DxfTag* handleTag(const DxfRecord& record);
 
 }  // namespace drafthost::exchange

@@ -1,7 +1,7 @@
 #pragma once
 
-// Names in the groups of a record that stand for records of symbol tables: all of them must exist before the record is
-// loaded.
+// Names in the groups of a record that stand for records of symbol tables: all of them must exist before the
+// record is loaded.
 
 #include <string>
 #include <unordered_set>
@@ -13,7 +13,7 @@
 namespace drafthost::exchange {
 
 class NameRepairs {
-  public:
+public:
     NameRepairs(AcDbDatabase& database, AuditReport& report) : database_(database), report_(report) {}
 
     enum class RecordKind { TableRecord, Entity, Object };
@@ -24,10 +24,11 @@ class NameRepairs {
 
     // Adds a record with nothing but a name: kind is its DXF name ("LAYER").
     void addRecord(const wchar_t* kind, const std::wstring& name);
-    // Adds to a table those records that take the place of missing ones, when it has none. kind: of its records.
+    // Adds to a table those records that take the place of missing ones, when it has none. kind: of its
+    // records.
     void addStandardRecords(std::string_view kind);
 
-  private:
+private:
     struct Rule;
     static const Rule kRules[];
     bool known(TableIndex table, const std::wstring& name);

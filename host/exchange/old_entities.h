@@ -6,14 +6,14 @@
 
 namespace drafthost::exchange {
 
-// Entities of files before R13 have no subclass markers, which the files of today need. Sorts the groups of those kinds
-// that the host keeps without knowing them (POINT, SOLID, TRACE, 3DFACE, SHAPE, VIEWPORT, POLYLINE, VERTEX, DIMENSION)
-// below their markers. Entities with markers and those of other kinds are left alone.
-// groups: from group 0 on.
+// Entities of files before R13 have no subclass markers, which the files of today need. Sorts the groups of
+// those kinds that the host keeps without knowing them (POINT, SOLID, TRACE, 3DFACE, SHAPE, VIEWPORT,
+// POLYLINE, VERTEX, DIMENSION) below their markers. Entities with markers and those of other kinds are left
+// alone. groups: from group 0 on.
 void addSubclassMarkers(std::vector<DxfGroup>& groups);
 
-// Some writers put the layer, colour and linetype of simple entities below the marker of their class: moves them below
-// that of AcDbEntity, where they belong.
+// Some writers put the layer, colour and linetype of simple entities below the marker of their class: moves
+// them below that of AcDbEntity, where they belong.
 void gatherProperties(std::vector<DxfGroup>& groups);
 
 }  // namespace drafthost::exchange

@@ -2,9 +2,9 @@
 //
 //     dxf_roundtrip LIST
 //
-// Each line of LIST holds the name of a file, a tab, and the name of the file to write. Each file is read, written, read
-// again and written again; the second output must be the same to the byte. Prints one line for each file, and fails when
-// one of them did.
+// Each line of LIST holds the name of a file, a tab, and the name of the file to write. Each file is read,
+// written, read again and written again; the second output must be the same to the byte. Prints one line for
+// each file, and fails when one of them did.
 
 #include <cstdio>
 #include <fstream>
@@ -20,7 +20,8 @@ namespace {
 
 std::string narrowed(const std::wstring& text) {
     std::string result;
-    for (const wchar_t c : text) result += c < 0x80 ? static_cast<char>(c) : '?';
+    for (const wchar_t c : text)
+        result += c < 0x80 ? static_cast<char>(c) : '?';
     return result;
 }
 
@@ -28,7 +29,8 @@ std::string narrowed(const std::wstring& text) {
 std::string roundTrip(const std::string& from, const std::string& to, std::string& audit) {
     AcDbDatabase first(false, true);
     const DxfReadResult read = readDxf(first, from);
-    if (read.status != Acad::eOk) return narrowed(read.message);
+    if (read.status != Acad::eOk)
+        return narrowed(read.message);
     audit = narrowed(read.audit.summary());
     for (const AuditFinding& finding : read.audit.findings())
         if (finding.code != AuditCode::Completed)
@@ -36,10 +38,12 @@ std::string roundTrip(const std::string& from, const std::string& to, std::strin
                      std::to_string(finding.line) + ": " + narrowed(finding.text);
 
     const std::string once = dxfBytes(first);
-    if (replaceFile(to, once) != Acad::eOk) return "cannot be written";
+    if (replaceFile(to, once) != Acad::eOk)
+        return "cannot be written";
     AcDbDatabase second(false, true);
     const DxfReadResult again = readDxfBytes(second, once, L"written");
-    if (again.status != Acad::eOk) return narrowed(again.message);
+    if (again.status != Acad::eOk)
+        return narrowed(again.message);
     if (dxfBytes(second) != once) {
         replaceFile(to + ".second", dxfBytes(second));
         return "the second output differs from the first";
@@ -58,11 +62,13 @@ int main(int count, char** arguments) {
     std::ifstream list(arguments[1]);
     for (std::string line; std::getline(list, line);) {
         const std::size_t tab = line.find('\t');
-        if (tab == std::string::npos) continue;
+        if (tab == std::string::npos)
+            continue;
         const std::string from = line.substr(0, tab);
         std::string audit;
         const std::string problem = roundTrip(from, line.substr(tab + 1), audit);
-        if (!problem.empty()) ++failures;
+        if (!problem.empty())
+            ++failures;
         std::printf("%s: %s: %s\n", problem.empty() ? "ok" : "FAILED", from.c_str(),
                     problem.empty() ? audit.c_str() : problem.c_str());
     }

@@ -29,7 +29,8 @@ std::string problemOf(std::string_view bytes) {
         const auto tags = readTags(bytes, endMark);
         const DxfStructure structure = structureOf(tags);
         DxfInput input(TextEncoding::Utf8);
-        for (const DxfRecord& record : structure.entities) input.groups(record.tags);
+        for (const DxfRecord& record : structure.entities)
+            input.groups(record.tags);
     } catch (const DxfError& error) {
         return std::to_string(error.line()) + ": " + error.what();
     }
@@ -49,7 +50,8 @@ TEST(ExchangeText, RealsReadBackExactlyAndAlwaysHaveAPoint) {
     EXPECT_EQ(written(1), "1.0");
     EXPECT_EQ(written(-250), "-250.0");
     EXPECT_EQ(written(1e22), "1.0E+22");
-    for (const double value : {1.0 / 3, 6.02e23, 5e-324, std::numeric_limits<double>::max(), -0.0, 123456789.123456789}) {
+    for (const double value :
+         {1.0 / 3, 6.02e23, 5e-324, std::numeric_limits<double>::max(), -0.0, 123456789.123456789}) {
         const auto back = parseReal(written(value));
         ASSERT_TRUE(back) << value;
         EXPECT_EQ(*back, value);
@@ -75,15 +77,18 @@ TEST(ExchangeText, EveryEncodingTurnsTextsBackIntoTheSameBytes) {
     EXPECT_EQ(decoded("\xC3\xA4", TextEncoding::Utf8), L"\u00E4");
     std::string allBytes;
     for (int byte = 1; byte < 256; ++byte)
-        if (byte >= 0x20 && byte != '^') allBytes += static_cast<char>(byte);
+        if (byte >= 0x20 && byte != '^')
+            allBytes += static_cast<char>(byte);
     for (const TextEncoding encoding : {TextEncoding::Windows1252, TextEncoding::Latin1})
         EXPECT_EQ(encodeText(decoded(allBytes, encoding), encoding), allBytes);
 }
 
 TEST(ExchangeText, CharactersOutsideTheEncodingAndControlsAreEscaped) {
-    EXPECT_EQ(decoded("\\U+2205100 \\U+ZZZZ", TextEncoding::Windows1252), L"\u2205" L"100 \\U+ZZZZ");
+    EXPECT_EQ(decoded("\\U+2205100 \\U+ZZZZ", TextEncoding::Windows1252), L"\u2205"
+                                                                          L"100 \\U+ZZZZ");
     const std::wstring text = L"\u2205 \U0001F600 ^ \n\t";
-    for (const TextEncoding encoding : {TextEncoding::Utf8, TextEncoding::Windows1252, TextEncoding::Latin1}) {
+    for (const TextEncoding encoding :
+         {TextEncoding::Utf8, TextEncoding::Windows1252, TextEncoding::Latin1}) {
         const std::string bytes = encodeText(text, encoding);
         EXPECT_EQ(bytes.find('\n'), std::string::npos);
         EXPECT_EQ(decoded(bytes, encoding), text);
@@ -91,7 +96,8 @@ TEST(ExchangeText, CharactersOutsideTheEncodingAndControlsAreEscaped) {
 }
 
 TEST(ExchangeText, TextThatIsNotUtf8InAUtf8FileIsReadByCodePage) {
-    for (const char* bytes : {"\xE4", "\xC3", "\xC0\x80", "\xED\xA0\x80", "\xF5\x80\x80\x80", "\xF0\x80\x80\x80"}) {
+    for (const char* bytes :
+         {"\xE4", "\xC3", "\xC0\x80", "\xED\xA0\x80", "\xF5\x80\x80\x80", "\xF0\x80\x80\x80"}) {
         bool damaged = false;
         EXPECT_FALSE(decodeText(bytes, TextEncoding::Utf8, damaged).empty());
         EXPECT_TRUE(damaged) << bytes;
@@ -107,9 +113,11 @@ TEST(ExchangeText, VersionAndCodePageGiveTheEncoding) {
 }
 
 TEST(ExchangeText, LineEndsByteOrderMarkAndCommentsMakeNoDifference) {
-    for (const char* file : {"0\nSECTION\n2\nHEADER\n0\nENDSEC\n0\nEOF\n", "0\r\nSECTION\r\n2\r\nHEADER\r\n0\r\nENDSEC\r\n0\r\nEOF",
-                             "\xEF\xBB\xBF  0\nSECTION\n999\nremark\n  2\nHEADER\n  0\nENDSEC\n  0\nEOF\n\n\n",
-                             "0\rSECTION\r2\rHEADER\r0\rENDSEC\r0\rEOF\r"}) {
+    for (const char* file :
+         {"0\nSECTION\n2\nHEADER\n0\nENDSEC\n0\nEOF\n",
+          "0\r\nSECTION\r\n2\r\nHEADER\r\n0\r\nENDSEC\r\n0\r\nEOF",
+          "\xEF\xBB\xBF  0\nSECTION\n999\nremark\n  2\nHEADER\n  0\nENDSEC\n  0\nEOF\n\n\n",
+          "0\rSECTION\r2\rHEADER\r0\rENDSEC\r0\rEOF\r"}) {
         bool endMark = false;
         const auto tags = readTags(file, endMark);
         EXPECT_TRUE(endMark);

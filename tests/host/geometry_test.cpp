@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
+#include "host/database/angle_groups.h"
 #include "host/geometry/angles.h"
 #include "host/geometry/harmonic.h"
 #include "tests/host/curve_samples.h"
@@ -130,6 +133,19 @@ TEST(Geometry, ZerosOfHarmonicSumsAreAllFound) {
     const HarmonicAngles touch = zerosOf({1, -1, 0, 0, 0}, 1e-12);  // 1 - cos t
     ASSERT_EQ(touch.count, 1);
     EXPECT_NEAR(std::sin(touch.angles[0]), 0, 1e-7);
+}
+
+TEST(AngleGroups, DegreesOfFilesComeBackAsTheyStood) {
+    for (int degrees = 0; degrees <= 3600; ++degrees) {
+        const double filed = degrees / 10.0;
+        EXPECT_EQ(degreesOf(filed * (kPi / 180)), filed);
+    }
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> angles(-7, 7);
+    for (int i = 0; i < 1000; ++i) {
+        const double radians = angles(random);
+        EXPECT_NEAR(degreesOf(radians) * (kPi / 180), radians, 1e-15);
+    }
 }
 
 }  // namespace
