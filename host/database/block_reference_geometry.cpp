@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "host/api/block_reference.h"
 #include "host/api/database.h"
@@ -96,14 +97,43 @@ void addCorners(AcDbExtents& extents, const AcDbExtents& box, const AcGeMatrix3d
     }
 }
 
+// Transformed copies for the caller. What cannot be skewed as a whole, such as a block reference or a
+// polyline, gives its parts instead. False when some of it cannot be skewed at all and is missing.
+bool appendTransformed(AcDbEntityArray& copies, const AcDbEntity& entity, const AcGeMatrix3d& matrix) {
+    std::unique_ptr<AcDbEntity> copy(AcDbEntity::cast(entity.clone()));
+    if (copy && copy->transformBy(matrix) == Acad::eOk) {
+        copies.append(copy.release());
+        return true;
+    }
+    const auto* const nested = AcDbBlockReference::cast(&entity);
+    std::optional<BlockVisit> visit;
+    if (nested)
+        visit.emplace(stateOf(nested).block);
+    AcDbEntityArray parts;
+    if (visit && !visit->entered())
+        return false;
+    bool complete = entity.explode(parts) == Acad::eOk;
+    for (AcDbEntity* const part : parts) {
+        const std::unique_ptr<AcDbEntity> owned(part);
+        complete = appendTransformed(copies, *part, matrix) && complete;
+    }
+    return complete;
+}
+
 // The exact box of a turned part is that of a turned copy; a part that cannot be turned counts with its own
 // box.
 void addTransformed(AcDbExtents& extents, const AcDbEntity& entity, const AcGeMatrix3d& matrix,
                     bool boxIsExact) {
-    if (!boxIsExact) {
-        const std::unique_ptr<AcDbEntity> copy(AcDbEntity::cast(entity.clone()));
-        if (copy && copy->transformBy(matrix) == Acad::eOk && copy->getGeomExtents(extents) == Acad::eOk)
-            return;
+    AcDbEntityArray copies;
+    bool measured = !boxIsExact && appendTransformed(copies, entity, matrix);
+    AcDbExtents box;
+    for (AcDbEntity* const copy : copies) {
+        const std::unique_ptr<AcDbEntity> owned(copy);
+        measured = measured && copy->getGeomExtents(box) == Acad::eOk;
+    }
+    if (measured && box.isValid()) {
+        extents.addExt(box);
+        return;
     }
     AcDbExtents own;
     if (entity.getGeomExtents(own) == Acad::eOk)
@@ -141,6 +171,13 @@ private:
     AcDbStub& stub_;
     bool wasWriter_;
 };
+
+// A block is not lengthened, whatever it is made of.
+AcDb::Intersect withoutExtendingThis(AcDb::Intersect type) {
+    if (type == AcDb::kExtendThis)
+        return AcDb::kOnBothOperands;
+    return type == AcDb::kExtendBoth ? AcDb::kExtendArg : type;
+}
 
 bool areOrthogonal(const AcGeVector3d& a, const AcGeVector3d& b) {
     return std::abs(a.dotProduct(b)) < 1e-9;
@@ -247,8 +284,8 @@ Acad::ErrorStatus AcDbBlockReference::subTransformBy(const AcGeMatrix3d& matrix)
     return Acad::eOk;
 }
 
-// Attributes have no place outside their reference and are dropped; parts that cannot take an uneven scale
-// too.
+// Attributes have no place outside their reference and are dropped; round parts that cannot take an uneven
+// scale too.
 Acad::ErrorStatus AcDbBlockReference::subExplode(AcDbEntityArray& parts) const {
     const State& state = stateOf(this);
     const std::vector<AcDbEntity*> entities = shownEntities(state.block);
@@ -256,11 +293,10 @@ Acad::ErrorStatus AcDbBlockReference::subExplode(AcDbEntityArray& parts) const {
         for (const AcDbEntity* const entity : entities) {
             if (AcDbAttributeDefinition::cast(entity))
                 continue;
-            std::unique_ptr<AcDbEntity> part(AcDbEntity::cast(entity->clone()));
-            if (!part || part->transformBy(matrix) != Acad::eOk)
-                continue;
-            inheritProperties(*part, *this);
-            parts.append(part.release());
+            const int before = parts.length();
+            appendTransformed(parts, *entity, matrix);
+            for (int i = before; i < parts.length(); ++i)
+                inheritProperties(*parts[i], *this);
         }
     });
     return Acad::eOk;
@@ -270,13 +306,14 @@ Acad::ErrorStatus AcDbBlockReference::subIntersectWith(const AcDbEntity* other, 
                                                        AcGePoint3dArray& points, std::int64_t thisMarker,
                                                        std::int64_t otherMarker) const {
     const BlockVisit visit(stateOf(this).block);
+    const AcDb::Intersect partType = withoutExtendingThis(type);
     AcDbEntityArray parts;
     if (visit.entered())
         subExplode(parts);
     for (AcDbEntity* const part : parts) {
         const std::unique_ptr<AcDbEntity> owned(part);
         AcGePoint3dArray found;
-        if (owned->intersectWith(other, type, found, thisMarker, otherMarker) != Acad::eOk)
+        if (owned->intersectWith(other, partType, found, thisMarker, otherMarker) != Acad::eOk)
             continue;
         for (const AcGePoint3d& point : found) {
             const bool known =

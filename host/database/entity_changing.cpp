@@ -1,6 +1,7 @@
 // entmod, entdel, entupd.
 
 #include "host/api/block_reference.h"
+#include "host/api/curves.h"
 #include "host/database/block_contents.h"
 #include "host/database/block_reference_state.h"
 #include "host/database/class_registry.h"
@@ -38,6 +39,9 @@ std::unique_ptr<AcDbObject> newLike(const AcDbObject& object) {
     if (const auto* const record = AcDbPlainTableRecord::cast(&object)) {
         return std::make_unique<AcDbPlainTableRecord>(record->kind());
     }
+    // A polyline tells from its present widths whether the vertices or the constant width were changed.
+    if (AcDbPolyline::cast(&object))
+        return std::unique_ptr<AcDbObject>(AcDbObject::cast(object.clone()));
     const bool entity = AcDbEntity::cast(&object) != nullptr;
     if (!AcDbUnknownEntity::cast(&object) && !AcDbUnknownObject::cast(&object)) {
         return std::unique_ptr<AcDbObject>(AcDbObject::cast(object.isA()->create()));

@@ -92,7 +92,24 @@ std::vector<Section> distribute(const Groups& given, std::vector<Section>& prese
     return sections;
 }
 
+bool hasAllCodes(const Groups& given, const Groups& present) {
+    return std::ranges::all_of(present, [&](const DxfGroup& group) { return hasCode(given, group.code); });
+}
+
+// A list that has everything of a section stands for it in the order given, on which hatches and records of
+// data depend.
+bool isWholeSection(const Section& present, const Groups& given) {
+    return present.marker == L"AcDbXrecord" || hasAllCodes(given, present.groups);
+}
+
+// The pieces of a long text go with its last one: a text without them replaces them all.
+void dropTextPieces(Section& present, const Groups& given) {
+    if (present.marker == L"AcDbMText" && hasCode(given, 1) && !hasCode(given, 3))
+        std::erase_if(present.groups, [](const DxfGroup& group) { return group.code == 3; });
+}
+
 void mergeSection(Section& present, const Groups& given) {
+    dropTextPieces(present, given);
     const auto repeats = [&](short code) {
         return countCode(present.groups, code) > 1 || countCode(given, code) > 1;
     };
@@ -115,6 +132,24 @@ void mergeSection(Section& present, const Groups& given) {
             merged.push_back(group);
     }
     present.groups = std::move(merged);
+}
+
+// Programs add groups of every entity, such as a colour, at the end of a list; they go where the entity's own
+// are, unless the class has such groups itself.
+void moveEntityGroups(std::vector<Section>& changes, const std::vector<Section>& present) {
+    const auto own = std::ranges::find(changes, L"AcDbEntity", &Section::marker);
+    if (own == changes.end())
+        return;
+    for (Section& change : changes) {
+        if (change.marker.empty() || change.marker == L"AcDbEntity")
+            continue;
+        const auto same = std::ranges::find(present, change.marker, &Section::marker);
+        const auto isMisplaced = [&](const DxfGroup& group) {
+            return isEntityCode(group.code) && (same == present.end() || !hasCode(same->groups, group.code));
+        };
+        std::ranges::copy_if(change.groups, std::back_inserter(own->groups), isMisplaced);
+        std::erase_if(change.groups, isMisplaced);
+    }
 }
 
 Groups joined(const std::vector<Section>& sections) {
@@ -230,10 +265,12 @@ Groups contentGroups(const Groups& groups, Groups& xdata) {
 Groups mergedGroups(const Groups& present, const Groups& given) {
     std::vector<Section> sections = sectionsOf(present);
     std::vector<Section> changes = sectionsOf(given);
-    if (changes.size() == 1) {
+    const bool hasMarkers = changes.size() > 1;
+    if (!hasMarkers) {
         changes = distribute(given, sections);
     } else {
         // Entity groups in front of the first marker belong to every entity's own subclass.
+        moveEntityGroups(changes, sections);
         std::vector<Section> early = distribute(changes.front().groups, sections);
         changes.erase(changes.begin());
         changes.insert(changes.begin(), early.begin(), early.end());
@@ -242,7 +279,11 @@ Groups mergedGroups(const Groups& present, const Groups& given) {
         const auto same = std::ranges::find_if(sections, [&](const Section& section) {
             return section.marker == change.marker && section.occurrence == change.occurrence;
         });
-        if (same != sections.end() && !change.groups.empty())
+        if (same == sections.end() || change.groups.empty())
+            continue;
+        if (hasMarkers && isWholeSection(*same, change.groups))
+            same->groups = change.groups;
+        else
             mergeSection(*same, change.groups);
     }
     return joined(sections);

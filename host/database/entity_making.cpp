@@ -103,6 +103,25 @@ void addMarkers(Groups& groups, const wchar_t* subclass) {
     groups.insert(groups.end(), own.begin(), own.end());
 }
 
+// False after an error, which is then recorded.
+bool checkXdata(const Request& request) {
+    if (request.xdata.empty())
+        return true;
+    Acad::ErrorStatus status = checkExtendedData(request.xdata, &request.database);
+    if (extendedDataSize(request.xdata) > kMaxExtendedData)
+        status = Acad::eXdataSizeExceeded;
+    if (status != Acad::eOk)
+        entityError(status);
+    return status == Acad::eOk;
+}
+
+// An application that is named twice counts with what stands last.
+void takeXdata(AcDbObject& object, const Request& request) {
+    ObjectState& state = *ObjectImp::of(&object).state;
+    mergeExtendedData(state.xdata, request.xdata);
+    state.extendedDataChanged();
+}
+
 // Null after an error, which is then recorded.
 EntityPointer readEntity(Request& request) {
     const EntityRecipe* const recipe = findRecipe(request.type);
@@ -116,15 +135,8 @@ EntityPointer readEntity(Request& request) {
         badList(L"group " + std::to_wstring(missing) + L" is missing");
         return nullptr;
     }
-    if (!request.xdata.empty()) {
-        Acad::ErrorStatus status = checkExtendedData(request.xdata, &request.database);
-        if (extendedDataSize(request.xdata) > kMaxExtendedData)
-            status = Acad::eXdataSizeExceeded;
-        if (status != Acad::eOk) {
-            entityError(status);
-            return nullptr;
-        }
-    }
+    if (!checkXdata(request))
+        return nullptr;
     Groups groups = request.content;
     if (recipe)
         addMarkers(groups, recipe->subclass);
@@ -134,7 +146,7 @@ EntityPointer readEntity(Request& request) {
         badList(problem);
         return nullptr;
     }
-    ObjectImp::of(entity.get()).state->xdata = request.xdata;
+    takeXdata(*entity, request);
     return entity;
 }
 
@@ -322,13 +334,9 @@ int makeRecord(Request& request, TableIndex table) {
         return badList(problem);
     if (!isValidSymbolName(record->name()))
         return badList(L"a record needs a name");
-    if (!request.xdata.empty()) {
-        const auto status = checkExtendedData(request.xdata, &request.database);
-        if (status != Acad::eOk)
-            return entityError(status);
-        ObjectImp::of(record.get()).state->xdata = request.xdata;
-        ObjectImp::of(record.get()).state->extendedDataChanged();
-    }
+    if (!checkXdata(request))
+        return RTERROR;
+    takeXdata(*record, request);
     request.made = addRecord(request.database, table, std::move(record));
     return request.made.isNull() ? badList(L"the name is taken") : static_cast<int>(RTNORM);
 }
@@ -339,6 +347,9 @@ int makeOwnerless(Request& request) {
     std::wstring problem;
     if (readEntityData(*object, request.database, request.content, problem) != Acad::eOk)
         return badList(problem);
+    if (!checkXdata(request))
+        return RTERROR;
+    takeXdata(*object, request);
     const auto status = request.database.impl().add(object.get(), AcDbObjectId(), AcDbHandle(), request.made);
     if (status != Acad::eOk)
         return entityError(status);

@@ -47,6 +47,12 @@ std::optional<AcGeVector3d> inPlane(const AcGeVector3d& direction, const AcGeVec
     return flat / flat.length();
 }
 
+// Turning a vector by a quarter leaves a trace of the axis it came from. Programs compare with 0.
+double withoutTrace(double coordinate) {
+    constexpr double kTrace = 1e-14;
+    return std::abs(coordinate) < kTrace ? 0.0 : coordinate;
+}
+
 bool isBackgroundOn(const MTextState& state) {
     return (state.backgroundFlags & (MTextState::kFillColor | MTextState::kFillWindow)) != 0;
 }
@@ -142,7 +148,8 @@ Acad::ErrorStatus AcDbMText::setNormal(const AcGeVector3d& normal) {
 }
 
 AcGeVector3d AcDbMText::direction() const {
-    return stateOf(this).direction;
+    const AcGeVector3d& exact = stateOf(this).direction;
+    return {withoutTrace(exact.x), withoutTrace(exact.y), withoutTrace(exact.z)};
 }
 
 Acad::ErrorStatus AcDbMText::setDirection(const AcGeVector3d& direction) {

@@ -80,6 +80,13 @@ double Document::angleBase() const {
     return database_->impl().settings.header.real(L"$ANGBASE", 0);
 }
 
+editor::LengthUnits Document::lengthUnits() const {
+    constexpr int kEngineering = 3, kArchitectural = 4;
+    const int units = database_->impl().settings.header.integer(L"$LUNITS", 2);
+    return units == kEngineering || units == kArchitectural ? editor::LengthUnits::FeetAndInches
+                                                            : editor::LengthUnits::Decimal;
+}
+
 std::optional<editor::Answer> Document::evaluateTyped(const std::wstring& text) {
     const std::wstring expression = text[0] == L'!' ? text.substr(1) : text;
     std::optional<editor::Answer> answer;

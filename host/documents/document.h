@@ -76,6 +76,7 @@ public:
     bool stopped() const override;
     AcGeMatrix3d worldToUcs() const override;
     double angleBase() const override;
+    editor::LengthUnits lengthUnits() const override;
     std::optional<editor::Answer> evaluateTyped(const std::wstring& text) override;
 
 private:

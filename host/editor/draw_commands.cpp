@@ -153,7 +153,9 @@ void drawText(CommandContext& context) {
     const AcGePoint3d start = context.point(L"Specify start point of text: ");
     double height = fixedHeight(database);
     if (height <= 0) {
-        const Reply reply = context.ask(Kind::Distance, {.prompt = L"Specify height: ", .base = start});
+        const Reply reply =
+            context.ask(Kind::Distance,
+                        {.prompt = L"Specify height: ", .base = start, .control = RSG_NOZERO | RSG_NONEG});
         height = reply.given ? reply.number : database.textsize();
     }
     const double rotation = context.angle(L"Specify rotation angle of text <0>: ", start);

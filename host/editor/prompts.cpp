@@ -44,6 +44,16 @@ InputResult ofNumber(const Answer& answer, double number) {
     return result;
 }
 
+// The number of an expression stands for what would have been typed: degrees.
+Answer asTypedAngle(Answer answer) {
+    if (answer.kind != Answer::Kind::Integer && answer.kind != Answer::Kind::Real)
+        return answer;
+    const double degrees = answer.kind == Answer::Kind::Integer ? answer.integer : answer.number;
+    answer.kind = Answer::Kind::Angle;
+    answer.number = degrees * std::numbers::pi / 180;
+    return answer;
+}
+
 // The complaint about a number that acedInitGet excludes; null when it is allowed.
 const wchar_t* refusedNumber(int control, double value) {
     const bool zero = (control & RSG_NOZERO) && value == 0;
@@ -139,6 +149,9 @@ InputResult Prompts::ask(InputRequest request) {
     }
     control_ = 0;
     keywords_ = Keywords();
+    // Without keywords nothing that could be typed would fit.
+    if (request.kind == Kind::Keyword && request.keywords.empty() && !(request.control & RSG_OTHER))
+        return ofStatus(RTERROR, {});
     show(request);
     for (;;) {
         if (surroundings_.stopped())
@@ -273,8 +286,9 @@ std::optional<Answer> Prompts::understand(const InputRequest& request, const std
         answer.integer = *value;
         return answer;
     }
+    const LengthUnits units = surroundings_.lengthUnits();
     if (request.kind == Kind::Real || request.kind == Kind::Distance) {
-        if (auto real = number(Answer::Kind::Real, typedReal(text)))
+        if (auto real = number(Answer::Kind::Real, typedLength(text, units)))
             return real;
     }
     if (wantsAngle(request.kind)) {
@@ -284,7 +298,7 @@ std::optional<Answer> Prompts::understand(const InputRequest& request, const std
         if (angle)
             return number(Answer::Kind::Angle, angle);
     }
-    const auto point = typedPoint(text, lastPoint_, surroundings_.worldToUcs());
+    const auto point = typedPoint(text, lastPoint_, surroundings_.worldToUcs(), units);
     if (!point)
         return std::nullopt;
     return Answer::ofPoint(request.kind == Kind::Entity ? Answer::Kind::Pick : Answer::Kind::Point,
@@ -297,13 +311,16 @@ std::optional<InputResult> Prompts::interpretTyped(const InputRequest& request, 
     if (text.empty())
         return interpretEmpty(request, answer);
     if (request.kind == Kind::Cursor || request.kind == Kind::Selection) {
-        const auto point = typedPoint(text, lastPoint_, surroundings_.worldToUcs());
+        const auto point =
+            typedPoint(text, lastPoint_, surroundings_.worldToUcs(), surroundings_.lengthUnits());
         if (point)
             return interpret(request, Answer::ofPoint(Answer::Kind::Point, point->point), complaint);
         return request.kind == Kind::Cursor ? fromCursorAnswer(request, answer) : fromSelectionAnswer(answer);
     }
     if (request.kind != Kind::Text && (text[0] == L'(' || text[0] == L'!')) {
-        const std::optional<Answer> value = surroundings_.evaluateTyped(text);
+        std::optional<Answer> value = surroundings_.evaluateTyped(text);
+        if (value && wantsAngle(request.kind))
+            value = asTypedAngle(*value);
         return value ? interpret(request, *value, complaint) : std::nullopt;
     }
     if (request.kind == Kind::Text) {

@@ -9,6 +9,7 @@
 
 #include "host/editor/command_line.h"
 #include "host/editor/input_source.h"
+#include "host/editor/typed_text.h"
 
 namespace drafthost::editor {
 
@@ -32,6 +33,7 @@ public:
     virtual bool stopped() const = 0;
     virtual AcGeMatrix3d worldToUcs() const = 0;
     virtual double angleBase() const = 0;  // ANGBASE, radians
+    virtual LengthUnits lengthUnits() const = 0;
     // An expression or !variable typed as an answer; nothing when it failed or has no use as one.
     virtual std::optional<Answer> evaluateTyped(const std::wstring& text) = 0;
 };

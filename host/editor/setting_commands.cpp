@@ -117,6 +117,7 @@ bool saveTo(CommandContext& context, const std::wstring& path) {
         context.print(L"Cannot write " + path + L": " + acadErrorStatusText(status) + L".");
         return false;
     }
+    context.database().impl().modifications = 0;
     return true;
 }
 

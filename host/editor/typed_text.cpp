@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "host/lisp/number_format.h"
+
 namespace drafthost::editor {
 
 namespace {
@@ -34,12 +36,12 @@ std::optional<double> leadingReal(std::wstring& text) {
     return value;
 }
 
-std::optional<std::vector<double>> separatedReals(const std::wstring& text) {
+std::optional<std::vector<double>> separatedLengths(const std::wstring& text, LengthUnits units) {
     std::vector<double> numbers;
     std::size_t start = 0;
     for (;;) {
         const std::size_t comma = text.find(L',', start);
-        const auto number = typedReal(std::wstring_view(text).substr(start, comma - start));
+        const auto number = typedLength(std::wstring_view(text).substr(start, comma - start), units);
         if (!number)
             return std::nullopt;
         numbers.push_back(*number);
@@ -49,18 +51,18 @@ std::optional<std::vector<double>> separatedReals(const std::wstring& text) {
     }
 }
 
-std::optional<TypedPoint> polarPoint(const std::wstring& text, std::size_t bracket) {
-    const auto length = typedReal(std::wstring_view(text).substr(0, bracket));
+std::optional<TypedPoint> polarPoint(const std::wstring& text, std::size_t bracket, LengthUnits units) {
+    const auto length = typedLength(std::wstring_view(text).substr(0, bracket), units);
     const auto angle = typedAngle(std::wstring_view(text).substr(bracket + 1));
     if (!length || !angle)
         return std::nullopt;
     return TypedPoint{{*length * std::cos(*angle), *length * std::sin(*angle), 0}, 2};
 }
 
-std::optional<TypedPoint> coordinates(const std::wstring& text) {
+std::optional<TypedPoint> coordinates(const std::wstring& text, LengthUnits units) {
     if (const std::size_t bracket = text.find(L'<'); bracket != std::wstring::npos)
-        return polarPoint(text, bracket);
-    const auto numbers = separatedReals(text);
+        return polarPoint(text, bracket, units);
+    const auto numbers = separatedLengths(text, units);
     if (!numbers || numbers->size() < 2 || numbers->size() > 3)
         return std::nullopt;
     const bool flat = numbers->size() == 2;
@@ -73,6 +75,16 @@ std::optional<double> typedReal(std::wstring_view text) {
     std::wstring rest = trimmed(text);
     const auto value = leadingReal(rest);
     return rest.empty() ? value : std::nullopt;
+}
+
+std::optional<double> typedLength(std::wstring_view text, LengthUnits units) {
+    const std::wstring rest = trimmed(text);
+    const bool marks = rest.find_first_of(L"'\"") != std::wstring::npos;
+    if (marks && units != LengthUnits::FeetAndInches)
+        return std::nullopt;
+    if (!marks && rest.find(L'/') == std::wstring::npos)
+        return typedReal(rest);
+    return lisp::parseLength(rest);
 }
 
 std::optional<int> typedInteger(std::wstring_view text) {
@@ -119,7 +131,7 @@ std::optional<double> typedAngle(std::wstring_view text) {
 }
 
 std::optional<TypedPoint> typedPoint(std::wstring_view given, const AcGePoint3d& lastPoint,
-                                     const AcGeMatrix3d& worldToUcs) {
+                                     const AcGeMatrix3d& worldToUcs, LengthUnits units) {
     std::wstring text = trimmed(given);
     if (text == L"@")
         return TypedPoint{lastPoint, 3};
@@ -127,7 +139,7 @@ std::optional<TypedPoint> typedPoint(std::wstring_view given, const AcGePoint3d&
     const bool world = text.starts_with(L"*");
     if (relative || world)
         text.erase(0, 1);
-    std::optional<TypedPoint> result = coordinates(text);
+    std::optional<TypedPoint> result = coordinates(text, units);
     if (!result)
         return std::nullopt;
     if (relative)

@@ -51,6 +51,10 @@ ZeroSuppression zeroSuppression(const Interpreter& interpreter) {
     return {interpreter.integerVariable(L"DIMZIN", 0)};
 }
 
+bool showsAsTyped(const Interpreter& interpreter) {
+    return interpreter.integerVariable(L"UNITMODE", 0) == 1;
+}
+
 // A notation or precision that is missing, or negative, comes from the drawing's system variable.
 int setting(const Interpreter& interpreter, Arguments arguments, std::size_t index,
             std::wstring_view variable, int fallback) {
@@ -78,14 +82,16 @@ Value lengthToText(Interpreter& interpreter, Arguments arguments) {
     const double length = arguments.real(0);
     const LengthNotation notation = lengthNotation(interpreter, arguments, 1);
     const int precision = setting(interpreter, arguments, 2, L"LUPREC", 4);
-    return interpreter.string(formatLength(length, notation, precision, zeroSuppression(interpreter)));
+    std::wstring text = formatLength(length, notation, precision, zeroSuppression(interpreter));
+    return interpreter.string(showsAsTyped(interpreter) ? lengthAsTyped(std::move(text)) : text);
 }
 
 Value angleToText(Interpreter& interpreter, Arguments arguments) {
     const double radians = arguments.real(0);
     const AngleNotation notation = angleNotation(interpreter, arguments, 1);
     const int precision = setting(interpreter, arguments, 2, L"AUPREC", 0);
-    return interpreter.string(formatAngle(radians, notation, precision, zeroSuppression(interpreter)));
+    std::wstring text = formatAngle(radians, notation, precision, zeroSuppression(interpreter));
+    return interpreter.string(showsAsTyped(interpreter) ? angleAsTyped(std::move(text)) : text);
 }
 
 Value realOrNil(std::optional<double> number) {

@@ -1,6 +1,7 @@
 // Entities as association lists: entget, entmake and their relatives.
 
 #include "host/database/entity_data.h"
+#include "host/database/names.h"
 #include "host/documents/document.h"
 #include "host/editor/value_conversion.h"
 #include "host/lisp/drawing_functions.h"
@@ -54,8 +55,29 @@ Value entget(Interpreter& interpreter, Arguments arguments) {
     return groups ? editor::valueFromGroups(interpreter, groups.get()) : refused(interpreter);
 }
 
+bool endsBlock(const resbuf* groups) {
+    while (groups && groups->restype != 0)
+        groups = groups->rbnext;
+    return groups && equalNames(groups->resval.rstring, L"ENDBLK");
+}
+
+// The finished block answers with its name, which programs do not know of an anonymous one.
+Value endBlock(Interpreter& interpreter, const resbuf* groups) {
+    Name begin;
+    if (acdbEntMakeX(groups, begin.words) != RTNORM)
+        return refused(interpreter);
+    const ValueList block(acdbEntGet(begin.words));
+    for (const resbuf* node = block.get(); node; node = node->rbnext) {
+        if (node->restype == 2)
+            return interpreter.string(node->resval.rstring);
+    }
+    return {};
+}
+
 Value entmake(Interpreter& interpreter, Arguments arguments) {
     const ValueList groups = editor::groupsFromValue(arguments.list(0));
+    if (endsBlock(groups.get()))
+        return endBlock(interpreter, groups.get());
     return acdbEntMake(groups.get()) == RTNORM ? arguments[0] : refused(interpreter);
 }
 
@@ -145,7 +167,8 @@ Value xdroom(Interpreter&, Arguments arguments) {
 
 constexpr BuiltinDefinition kTable[] = {
     {L"entget", entget, 1, 2, L"(entget name [applications]) -> groups of the entity, or nil"},
-    {L"entmake", entmake, 1, 1, L"(entmake groups) -> groups, or nil; makes an entity or block definition"},
+    {L"entmake", entmake, 1, 1,
+     L"(entmake groups) -> groups, or the name of the block that ENDBLK finishes, or nil"},
     {L"entmakex", entmakex, 1, 1, L"(entmakex groups) -> name of the new entity, or nil"},
     {L"entmod", entmod, 1, 1, L"(entmod groups) -> groups, or nil; changes the entity named by group -1"},
     {L"entdel", entdel, 1, 1, L"(entdel name) -> name, or nil; erases the entity, or restores an erased one"},

@@ -17,14 +17,18 @@ Document& documentOf(Interpreter& interpreter) {
     return interpreter.attached<Document>();
 }
 
-// [point] [prompt] in this order, either left out.
+bool takesBase(Kind kind) {
+    return kind != Kind::Integer && kind != Kind::Real && kind != Kind::Keyword;
+}
+
+// [point] [prompt] in this order, either left out; without the point where no base makes sense.
 InputRequest requestOf(Kind kind, Arguments arguments) {
     InputRequest request;
     request.kind = kind;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         if (arguments[i].isNil())
             continue;
-        if (arguments[i].isString()) {
+        if (arguments[i].isString() || !takesBase(kind)) {
             request.prompt = arguments.string(i);
         } else {
             const Point base = arguments.point(i);

@@ -312,6 +312,19 @@ std::optional<double> takeDegrees(Scanner& scanner, AngleNotation notation) {
 
 }  // namespace
 
+std::wstring lengthAsTyped(std::wstring length) {
+    if (const std::size_t feet = length.find(L"'-"); feet != std::wstring::npos) {
+        length.erase(feet + 1, 1);
+    }
+    std::ranges::replace(length, L' ', L'-');
+    return length;
+}
+
+std::wstring angleAsTyped(std::wstring angle) {
+    std::erase(angle, L' ');
+    return angle;
+}
+
 std::optional<double> parseLength(std::wstring_view text) {
     Scanner scanner(text);
     const bool negative = scanner.take(L'-');

@@ -29,6 +29,10 @@ std::wstring formatLength(double length, LengthNotation notation, int precision,
 // 2 minutes too, 3 and 4 seconds too, more the decimals of the seconds.
 std::wstring formatAngle(double radians, AngleNotation notation, int precision, ZeroSuppression zeros);
 
+// A formatted length or angle as a drafter types it, without blanks (UNITMODE 1): 1'5-1/2", 17-1/2, N45dE.
+std::wstring lengthAsTyped(std::wstring length);
+std::wstring angleAsTyped(std::wstring angle);
+
 // Text in any of the notations as a length or an angle in radians; nothing when it is malformed. An
 // angle without unit letters is in the notation given.
 std::optional<double> parseLength(std::wstring_view text);

@@ -6,7 +6,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <cwchar>
 
 namespace tessary {
 
@@ -53,14 +52,14 @@ HandlerStatus power() {
 }
 
 // Reads as much of the text as is a number. What is no text is nil, not an error: callers pass field values
-// unseen.
+// unseen. They may well begin with "inf" or "nan", which the newer conversions take for numbers.
 HandlerStatus textToReal() {
     acedRetNil();
     const ArgumentList arguments;
     ArgCursor cursor = arguments.first();
     std::wstring text;
     if (readString(cursor, text)) {
-        acedRetReal(std::wcstod(text.c_str(), nullptr));
+        acedRetReal(_wtof(text.c_str()));
     }
     return HandlerStatus::success;
 }

@@ -83,9 +83,7 @@ bool readLine(ArgCursor& cursor, double extension, AcDbLine& line) {
         start = polarPoint(start, angleTo(end, start), extension);
         end = polarPoint(end, angleTo(start, end), extension);
     }
-    line.setStartPoint(start);
-    line.setEndPoint(end);
-    return true;
+    return line.setStartPoint(start) == Acad::eOk && line.setEndPoint(end) == Acad::eOk;
 }
 
 // The optional first argument of all three functions: 0 when the list begins with a point.

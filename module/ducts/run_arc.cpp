@@ -9,16 +9,18 @@ namespace {
 constexpr double quarterTurn = productPi * 0.5;
 constexpr int leftTurn = 1;
 
-void setExtensions(RunArc& run, const AcGePoint3d& start, double heading, double extension) {
-    run.head.setStartPoint(start);
-    run.head.setEndPoint(polarPoint(start, heading, -extension));
+bool setLine(AcDbLine& line, const AcGePoint3d& start, const AcGePoint3d& end) {
+    return line.setStartPoint(start) == Acad::eOk && line.setEndPoint(end) == Acad::eOk;
+}
 
+// False when the extension is no length, so that there is no line of it.
+bool setExtensions(RunArc& run, const AcGePoint3d& start, double heading, double extension) {
     AcGePoint3d end;
     AcGeVector3d direction;
     run.arc->getEndPoint(end);
     run.arc->getFirstDeriv(end, direction);
-    run.tail.setStartPoint(end);
-    run.tail.setEndPoint(end + extension * direction.normalize());
+    return setLine(run.head, start, polarPoint(start, heading, -extension)) &&
+           setLine(run.tail, end, end + extension * direction.normalize());
 }
 
 }  // namespace
@@ -40,10 +42,10 @@ bool readArcArgument(ArgCursor& cursor, double extension, RunArc& run) {
     run.arc = std::make_unique<AcDbArc>(center, AcGeVector3d::kZAxis, radius,
                                         isLeft ? startAngle : startAngle - sweep,
                                         isLeft ? startAngle + sweep : startAngle);
-    if (extension != 0.0) {
-        setExtensions(run, start, heading, extension);
+    if (extension != 0.0 && !setExtensions(run, start, heading, extension)) {
+        run.arc.reset();
     }
-    return true;
+    return run.arc != nullptr;
 }
 
 }  // namespace tessary

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <numbers>
 
 #include "host/editor/prompts.h"
@@ -30,15 +31,23 @@ protected:
 
     InputSource& source() override { return terminal_; }
     CommandLine& commandLine() override { return commandLine_; }
-    bool stopped() const override { return false; }
+    bool stopped() const override { return stopped_; }
     AcGeMatrix3d worldToUcs() const override { return AcGeMatrix3d::translation({-100, 0, 0}); }
     double angleBase() const override { return std::numbers::pi / 2; }
+    LengthUnits lengthUnits() const override { return units_; }
     std::optional<Answer> evaluateTyped(const std::wstring& text) override {
+        if (text == L"!real") {
+            Answer answer = Answer::of(Answer::Kind::Real);
+            answer.number = 45;
+            return answer;
+        }
         if (text != L"!p")
             return std::nullopt;
         return Answer::ofPoint(Answer::Kind::Point, {7, 8, 9});
     }
 
+    LengthUnits units_ = LengthUnits::Decimal;
+    bool stopped_ = false;
     std::vector<std::string> typed_;
     std::size_t next_ = 0;
     std::string shown_;
@@ -104,6 +113,51 @@ TEST_F(PromptTest, DistancesAndAnglesCanBeShownByTwoPoints) {
     EXPECT_NEAR(ask(Kind::Angle, {"0,0", "0,3"}).number, std::numbers::pi / 2, 1e-12);
     EXPECT_NEAR(ask(Kind::Angle, {"90"}).number, std::numbers::pi / 2, 1e-12);
     EXPECT_NEAR(ask(Kind::Orientation, {"90"}).number, std::numbers::pi, 1e-12);
+}
+
+TEST_F(PromptTest, NumbersOfExpressionsAreDegreesWhereAnAngleIsWaitedFor) {
+    EXPECT_NEAR(ask(Kind::Angle, {"!real"}).number, std::numbers::pi / 4, 1e-12);
+    EXPECT_DOUBLE_EQ(ask(Kind::Distance, {"!real"}).number, 45);
+    EXPECT_DOUBLE_EQ(ask(Kind::Distance, {"!p", "0,0"}).number, std::hypot(7, 8, 9));
+}
+
+TEST_F(PromptTest, FractionsAreLengthsAndFeetOnlyInTheirUnits) {
+    EXPECT_DOUBLE_EQ(ask(Kind::Real, {"1/0", "-1/2"}).number, -0.5);
+    EXPECT_TRUE(ask(Kind::Point, {"1/2,2-1/4"}).point.isEqualTo({0.5, 2.25, 0}));
+    EXPECT_DOUBLE_EQ(ask(Kind::Distance, {"1'6-1/2\"", "7"}).number, 7);
+    units_ = LengthUnits::FeetAndInches;
+    EXPECT_DOUBLE_EQ(ask(Kind::Distance, {"1'6-1/2\""}).number, 18.5);
+    EXPECT_TRUE(ask(Kind::Point, {"1',6\""}).point.isEqualTo({12, 6, 0}));
+    EXPECT_TRUE(ask(Kind::Point, {"@1'<180"}).point.isEqualTo({0, 6, 0}, {1e-9, 1e-9}));
+}
+
+TEST_F(PromptTest, AKeywordPromptWithoutKeywordsDoesNotWaitForWhatCannotCome) {
+    EXPECT_EQ(ask(Kind::Keyword, {"anything"}).status, RTERROR);
+    EXPECT_EQ(shown_, "");
+    EXPECT_EQ(ask(Kind::Integer, {"5"}).integer, 5);
+}
+
+TEST_F(PromptTest, EscEndsEveryKindOfPromptAndItsInitGet) {
+    for (const Kind kind :
+         {Kind::Point, Kind::Corner, Kind::Distance, Kind::Angle, Kind::Orientation, Kind::Integer,
+          Kind::Real, Kind::Text, Kind::Keyword, Kind::Entity, Kind::Selection}) {
+        prompts_.initGet(RSG_NONULL | RSG_NOZERO, L"Yes No");
+        EXPECT_EQ(ask(kind, {"\x1b"}).status, RTCAN);
+        EXPECT_EQ(shown_.substr(shown_.size() - 9), "*Cancel*\n");
+        if (kind != Kind::Text) {
+            EXPECT_EQ(ask(Kind::Integer, {"0"}).status, RTNORM) << "initget outlived its prompt";
+        }
+    }
+    EXPECT_EQ(ask(Kind::Angle, {"0,0", "\x1b"}).status, RTCAN);
+}
+
+TEST_F(PromptTest, NothingIsAskedAfterAnInterrupt) {
+    stopped_ = true;
+    prompts_.initGet(0, L"Yes No");
+    EXPECT_EQ(ask(Kind::Keyword, {"Yes"}).status, RTCAN);
+    EXPECT_EQ(next_, 0u) << "an answer was taken";
+    stopped_ = false;
+    EXPECT_EQ(ask(Kind::Point, {"Yes", "1,2"}).status, RTNORM) << "the keywords outlived the interrupt";
 }
 
 TEST_F(PromptTest, ABlankEndsATextUnlessBlanksBelongToIt) {
