@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cwctype>
 #include <filesystem>
-#include <fstream>
 
+#include "host/exchange/file_replace.h"
 #include "host/graphics/display_builder.h"
 
 namespace drafthost::graphics {
@@ -22,16 +22,6 @@ std::wstring lowerExtension(const std::filesystem::path& path) {
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
     return extension;
-}
-
-bool writeText(const std::filesystem::path& path, const std::string& text, std::wstring& problem) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file.write(text.data(), static_cast<std::streamsize>(text.size()));
-    file.close();
-    if (file)
-        return true;
-    problem = L"the file could not be written";
-    return false;
 }
 
 }  // namespace
@@ -72,18 +62,15 @@ bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::w
     }
     const DisplayList list = buildDisplayList(database);
     const PictureFrame frame = fitPicture(list.bounds());
-    std::filesystem::path temporary = target;
-    temporary += L".part";
-    const bool written = extension == L".png" ? writePng(list, frame, temporary.wstring(), problem)
-                                              : writeText(temporary, svgText(list, frame), problem);
-    std::error_code failed;
-    if (written) {
-        std::filesystem::rename(temporary, target, failed);
-        if (!failed)
-            return true;
-        problem = L"the file could not be replaced";
+    const std::string bytes = extension == L".png" ? pngBytes(list, frame, problem) : svgText(list, frame);
+    if (bytes.empty()) {
+        return false;
     }
-    std::filesystem::remove(temporary, failed);
+    const Acad::ErrorStatus status = exchange::replaceFile(target, bytes);
+    if (status == Acad::eOk) {
+        return true;
+    }
+    problem = path + L" cannot be written: " + acadErrorStatusText(status) + L".";
     return false;
 }
 

@@ -32,8 +32,7 @@ PictureFrame fitPicture(const Bounds& bounds);
 double strokePixels(float weight);
 
 std::string svgText(const DisplayList& list, const PictureFrame& frame);
-// False: problem says why; a partly written file may be left for the caller to remove.
-bool writePng(const DisplayList& list, const PictureFrame& frame, const std::wstring& path,
-              std::wstring& problem);
+// Empty: problem says why.
+std::string pngBytes(const DisplayList& list, const PictureFrame& frame, std::wstring& problem);
 
 }  // namespace drafthost::graphics

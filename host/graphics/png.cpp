@@ -84,10 +84,24 @@ struct ComSession {
     }
 };
 
-HRESULT encode(const Canvas& canvas, const std::wstring& path) {
+// Everything that was written to the stream.
+HRESULT contents(IStream& stream, std::string& bytes) {
+    STATSTG state{};
+    HRESULT result = stream.Stat(&state, STATFLAG_NONAME);
+    if (SUCCEEDED(result)) {
+        result = stream.Seek({}, STREAM_SEEK_SET, nullptr);
+    }
+    if (SUCCEEDED(result)) {
+        bytes.resize(static_cast<std::size_t>(state.cbSize.QuadPart));
+        result = stream.Read(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr);
+    }
+    return result;
+}
+
+HRESULT encode(const Canvas& canvas, std::string& png) {
     const ComSession session;
     ComPointer<IWICImagingFactory> factory;
-    ComPointer<IWICStream> stream;
+    ComPointer<IStream> stream;
     ComPointer<IWICBitmapEncoder> encoder;
     ComPointer<IWICBitmapFrameEncode> image;
     const UINT width = static_cast<UINT>(canvas.width()), height = static_cast<UINT>(canvas.height());
@@ -102,12 +116,9 @@ HRESULT encode(const Canvas& canvas, const std::wstring& path) {
         if (SUCCEEDED(result))
             result = step();
     };
-    then([&] { return factory->CreateStream(stream.out()); });
-    then([&] { return stream->InitializeFromFilename(path.c_str(), GENERIC_WRITE); });
+    then([&] { return CreateStreamOnHGlobal(nullptr, TRUE, stream.out()); });
     then([&] { return factory->CreateEncoder(GUID_ContainerFormatPng, nullptr, encoder.out()); });
-    then([&] {
-        return encoder->Initialize(reinterpret_cast<IStream*>(stream.get()), WICBitmapEncoderNoCache);
-    });
+    then([&] { return encoder->Initialize(stream.get(), WICBitmapEncoderNoCache); });
     then([&] { return encoder->CreateNewFrame(image.out(), nullptr); });
     then([&] { return image->Initialize(nullptr); });
     then([&] { return image->SetSize(width, height); });
@@ -118,25 +129,26 @@ HRESULT encode(const Canvas& canvas, const std::wstring& path) {
         [&] { return image->WritePixels(height, width * 3, static_cast<UINT>(bytes.size()), bytes.data()); });
     then([&] { return image->Commit(); });
     then([&] { return encoder->Commit(); });
+    then([&] { return contents(*stream.get(), png); });
     return result;
 }
 
 }  // namespace
 
-bool writePng(const DisplayList& list, const PictureFrame& frame, const std::wstring& path,
-              std::wstring& problem) {
+std::string pngBytes(const DisplayList& list, const PictureFrame& frame, std::wstring& problem) {
     Canvas canvas(frame.width, frame.height, kBackground);
     Painter painter(canvas, frame);
     for (const DisplayItem& item : list.items)
         painter.paint(item);
-    const HRESULT result = encode(canvas, path);
-    if (SUCCEEDED(result))
-        return true;
+    std::string png;
+    const HRESULT result = encode(canvas, png);
+    if (SUCCEEDED(result)) {
+        return png;
+    }
     wchar_t text[64];
-    swprintf(text, 64, L"the PNG could not be encoded or written (0x%08lX)",
-             static_cast<unsigned long>(result));
+    swprintf(text, 64, L"the PNG could not be encoded (0x%08lX)", static_cast<unsigned long>(result));
     problem = text;
-    return false;
+    return {};
 }
 
 }  // namespace drafthost::graphics

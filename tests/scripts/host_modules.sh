@@ -1,10 +1,7 @@
 #!/bin/bash
 # Loading of modules and calls of their functions, with modules made for it (tests/fixtures).
 set -u
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
-failures=0
+. "$TESSARY_ROOT/tests/host_session.sh"
 export CCACHE_DISABLE=1
 
 for name in sample refusing wrong_version; do
@@ -19,25 +16,6 @@ repl() {
     local input=$1
     shift
     "$TESSARY_WINE" "$TESSARY_BIN/drafthost.exe" repl "$@" <"$input" >out.txt 2>err.txt
-}
-
-# check NAME WANTED STATUS [out|err TEXT]...
-check() {
-    local name=$1 wanted=$2 status=$3
-    shift 3
-    if [ "$status" != "$wanted" ]; then
-        echo "$name: status $status, expected $wanted"
-        cat out.txt err.txt
-        failures=$((failures + 1))
-    fi
-    while [ $# -gt 0 ]; do
-        if ! tr -d '\r' <"$1.txt" | grep -qF -- "$2"; then
-            echo "$name: no \"$2\" in $1:"
-            cat "$1.txt"
-            failures=$((failures + 1))
-        fi
-        shift 2
-    done
 }
 
 cat >calls.txt <<'LISP'

@@ -1,33 +1,7 @@
 #!/bin/bash
 # What drafthost run does with its options: exit statuses, messages, and files that are written or left alone.
 set -u
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
-failures=0
-
-host() {
-    "$TESSARY_WINE" "$TESSARY_BIN/drafthost.exe" "$@" >out.txt 2>err.txt </dev/null
-}
-
-# check NAME STATUS ACTUAL [out|err TEXT]...: about the last call of host.
-check() {
-    local name=$1 wanted=$2 status=$3
-    shift 3
-    if [ "$status" != "$wanted" ]; then
-        echo "$name: status $status, expected $wanted"
-        cat out.txt err.txt
-        failures=$((failures + 1))
-    fi
-    while [ $# -gt 0 ]; do
-        if ! tr -d '\r' <"$1.txt" | grep -qF -- "$2"; then
-            echo "$name: no \"$2\" in $1:"
-            cat "$1.txt"
-            failures=$((failures + 1))
-        fi
-        shift 2
-    done
-}
+. "$TESSARY_ROOT/tests/host_session.sh"
 
 fail() {
     echo "$1"

@@ -2,35 +2,7 @@
 # Programs given to drafthost run that are damaged, empty, of odd encoding or interrupted, and prompts of theirs that
 # are answered badly or not at all.
 set -u
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
-failures=0
-
-host() {
-    "$TESSARY_WINE" "$TESSARY_BIN/drafthost.exe" "$@" >out.txt 2>err.txt </dev/null
-}
-
-# check NAME STATUS ACTUAL [out|err|not TEXT]...: about the last call of host; not: standard output is without the text.
-check() {
-    local name=$1 wanted=$2 status=$3 file
-    shift 3
-    if [ "$status" != "$wanted" ]; then
-        echo "$name: status $status, expected $wanted"
-        cat out.txt err.txt
-        failures=$((failures + 1))
-    fi
-    while [ $# -gt 0 ]; do
-        file=${1/not/out}
-        if tr -d '\r' <"$file.txt" | grep -qF -- "$2"; then found=yes; else found=no; fi
-        if { [ "$1" = not ] && [ $found = yes ]; } || { [ "$1" != not ] && [ $found = no ]; }; then
-            echo "$name: expected $1 \"$2\":"
-            cat out.txt err.txt
-            failures=$((failures + 1))
-        fi
-        shift 2
-    done
-}
+. "$TESSARY_ROOT/tests/host_session.sh"
 
 # --- what a program file may look like ---
 printf '(princ "first ")\n(defun draw ()\n  (princ "x")\n(princ "second")\n' >open.lsp
