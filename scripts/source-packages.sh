@@ -30,13 +30,15 @@ prepare_private_apt() {
             "check the network connection, then try again"
 }
 
-# fetch_source NAME: unpacks the pinned version below build/third_party/NAME-source.
+# fetch_source NAME: unpacks the pinned version below build/third_party/NAME-source. Where the archive has replaced it by
+# a security update of the same release, that is taken.
 fetch_source() {
     local name=$1 version=${SOURCE_VERSIONS[$1]} folder="$THIRD_PARTY/$1-source"
     prepare_private_apt
     rm -rf "$folder"
     mkdir -p "$folder"
-    (cd "$folder" && logged "fetch-$name" private_apt source --only-source "$name=$version") ||
+    (cd "$folder" && { logged "fetch-$name" private_apt source --only-source "$name=$version" ||
+        logged "fetch-$name" private_apt source --only-source "$name"; }) ||
         fail "$STATUS_SETUP" "the source package $name $version could not be fetched" \
             "check the network connection, then try again"
 }
@@ -58,5 +60,24 @@ ensure_benchmark() {
         fail "$STATUS_SETUP" "Google Benchmark could not be configured" "remove build/third_party and try again"
     logged build-benchmark cmake --build "$work" --target install ||
         fail "$STATUS_SETUP" "Google Benchmark could not be built" "remove build/third_party and try again"
+    printf '%s\n' "$version" >"$install/version"
+}
+
+# ensure_sqlite: SQLite's amalgamation and its extension that recovers damaged files in build/third_party/sqlite, as
+# sources: they are compiled with the database server.
+ensure_sqlite() {
+    local version=${SOURCE_VERSIONS[sqlite3]} install="$THIRD_PARTY/sqlite" file
+    [ "$(cat "$install/version" 2>/dev/null)" != "$version" ] || return 0
+    say "[2/4] SQLite $version"
+    fetch_source sqlite3
+    local sources=("$THIRD_PARTY"/sqlite3-source/sqlite3-*/)
+    rm -rf "$install"
+    mkdir -p "$install"
+    (cd "${sources[0]}" && logged configure-sqlite ./configure && logged build-sqlite make sqlite3.c) ||
+        fail "$STATUS_SETUP" "SQLite could not be prepared" "remove build/third_party and try again"
+    for file in sqlite3.c sqlite3.h sqlite3ext.h ext/recover/sqlite3recover.c ext/recover/sqlite3recover.h \
+        ext/recover/dbdata.c; do
+        cp "${sources[0]}/$file" "$install/" || fail "$STATUS_SETUP" "the source of SQLite has no $file"
+    done
     printf '%s\n' "$version" >"$install/version"
 }

@@ -3,13 +3,15 @@
 
 # Debian packages: what building and running needs, and what the tests, the demo and the benchmarks need besides.
 PACKAGES_RUN=(
-    ccache cmake fonts-liberation fonts-wine g++-mingw-w64-x86-64-posix libgnutls30 libwine ninja-build wine wine64
+    ccache cmake dpkg-dev fonts-liberation fonts-wine g++ g++-mingw-w64-x86-64-posix libgnutls30 libwine libwine-dev make
+    mingw-w64-tools ninja-build tcl wine wine64
 )
-PACKAGES_TEST=(g++ googletest librecad-data python3 python3-ezdxf)
+PACKAGES_TEST=(googletest librecad-data python3 python3-ezdxf)
 PACKAGES_DEMO=(librecad-data)
-PACKAGES_BENCH=(dpkg-dev newlisp)
+PACKAGES_BENCH=(newlisp)
 
 # Source packages of Debian 12, built for the target in build/third_party.
 declare -A SOURCE_VERSIONS=(
     [benchmark]=1.7.1-1
+    [sqlite3]=3.40.1-2+deb12u2
 )

@@ -2,24 +2,44 @@
 # would hold that pipe until Wine's services end. Sourced after common.sh.
 # shellcheck shell=bash
 
-# Every session holds a shared lock on file descriptor 7; programs are started without it (7>&-), because Wine's
-# services would inherit it and outlive them.
+# Every session holds a shared lock on a file descriptor from 10 up; programs of the target are started without it,
+# because Wine's services would inherit it and outlive them.
+declare -A WINE_SESSIONS=()
+
+# without_sessions COMMAND...
+without_sessions() {
+    (
+        local lock
+        for lock in "${WINE_SESSIONS[@]}"; do
+            exec {lock}>&-
+        done
+        exec "$@"
+    )
+}
+
+# begin_wine_session PREFIX: the prefix exists.
 begin_wine_session() {
-    mkdir -p "$BUILD"
-    exec 7>"$BUILD/wine.users"
-    flock --shared 7
+    local prefix=$1 lock
+    exec {lock}>"$prefix.users"
+    flock --shared "$lock"
+    WINE_SESSIONS[$prefix]=$lock
     # It ends by itself a minute after the last program. The status is not 0 when one is running already.
-    if "$WINE" --server -p60 </dev/null >/dev/null 2>&1 7>&-; then
-        "$WINE" cmd.exe /c exit </dev/null >/dev/null 2>&1 7>&- || true
+    if TESSARY_WINEPREFIX="$prefix" without_sessions "$WINE" --server -p60 </dev/null >/dev/null 2>&1; then
+        TESSARY_WINEPREFIX="$prefix" without_sessions "$WINE" cmd.exe /c exit </dev/null >/dev/null 2>&1 || true
     fi
 }
 
-# end_wine_session: stops the server of this prefix, unless another session uses it.
-end_wine_session() {
-    if flock --exclusive --nonblock 7; then
-        "$WINE" --server -k </dev/null >/dev/null 2>&1 7>&- || true
-    fi
-    exec 7>&-
+# end_wine_sessions: stops the servers of this script's prefixes, but not those that another session uses.
+end_wine_sessions() {
+    local prefix lock
+    for prefix in "${!WINE_SESSIONS[@]}"; do
+        lock=${WINE_SESSIONS[$prefix]}
+        if flock --exclusive --nonblock "$lock"; then
+            TESSARY_WINEPREFIX="$prefix" without_sessions "$WINE" --server -k </dev/null >/dev/null 2>&1 || true
+        fi
+        exec {lock}>&-
+    done
+    WINE_SESSIONS=()
 }
 
 # in_pipes COMMAND...: runs a program of the target with pipes instead of a terminal, which Wine would take over to
@@ -30,12 +50,12 @@ in_pipes() {
         exec 3<&0
         exec 4< <(exec cat <&3)
         feeder=$!
-        "$@" <&4 2> >(exec cat >&2) 3<&- 4<&- 7>&- | cat
+        without_sessions "$@" <&4 2> >(exec cat >&2) 3<&- 4<&- | cat
         status=${PIPESTATUS[0]}
         exec 3<&- 4<&-
         kill "$feeder" 2>/dev/null || true
     else
-        "$@" 2> >(exec cat >&2) 7>&- | cat
+        without_sessions "$@" 2> >(exec cat >&2) | cat
         status=${PIPESTATUS[0]}
     fi
     return "$status"

@@ -1,0 +1,107 @@
+#!/bin/bash
+# Clients that come, go and die: what a dead client had open is closed, and the server's process ends when nobody uses
+# it. Needs a Wine prefix in which nobody else uses the server meanwhile.
+set -u
+root=${TESSARY_ROOT:-$(cd -- "$(dirname -- "$0")/../.." && pwd)}
+prefix=${TESSARY_WINEPREFIX:-$root/build/wine}
+work=$(mktemp -d)
+client=
+trap '[ -z "$client" ] || kill -9 "$client" 2>/dev/null; rm -rf "$work"' EXIT
+cd "$work" || exit 1
+folder="Z:${work//\//\\}"
+failures=0
+
+fail() {
+    echo "$1"
+    failures=$((failures + 1))
+}
+
+# The processes of the server in this prefix, one a line.
+servers() {
+    local process
+    for process in /proc/[0-9]*; do
+        if tr '\0' ' ' <"$process/cmdline" | grep -q 'TessaryServer\.exe' &&
+            tr '\0' '\n' <"$process/environ" | grep -qx "WINEPREFIX=$prefix"; then
+            echo "${process#/proc/}"
+        fi
+    done 2>/dev/null
+}
+
+# within SECONDS COMMAND...: waits until the command succeeds.
+within() {
+    local tries=$(($1 * 5))
+    shift
+    until "$@"; do
+        tries=$((tries - 1))
+        [ $tries -gt 0 ] || return 1
+        sleep 0.2
+    done
+}
+
+no_server() {
+    [ -z "$(servers)" ]
+}
+
+deleted() {
+    "$TESSARY_WINE" cmd.exe /c "del $folder\\plan.qn" </dev/null >/dev/null 2>&1
+    [ ! -e plan.qn ]
+}
+
+# shellcheck disable=SC2317 # Called by within.
+begun() {
+    [ -e begun.txt ]
+}
+
+# Holds a database and a started service until it is killed.
+cat >hold.vbs <<SCRIPT
+Set service = CreateObject("Tessary.DatabaseService")
+service.Start
+Set connection = CreateObject("Tessary.DatabaseConnection")
+connection.CreateDatabase "$folder\\plan.qn"
+connection.OpenDatabase "$folder\\plan.qn", False, False
+connection.CreateDatabase "$folder\\begun.txt"
+Do
+    open = connection.IsOpen
+Loop
+SCRIPT
+
+cat >short.vbs <<'SCRIPT'
+Set connection = CreateObject("Tessary.DatabaseConnection")
+WScript.Echo "version " & connection.Version
+SCRIPT
+
+short_client() {
+    "$TESSARY_WINE" cscript.exe //nologo "$folder\\short.vbs" </dev/null 2>&1 | grep -q 'version 1'
+}
+
+if [ "${TESSARY_SERVER:-local}" = inproc ]; then
+    short_client || fail 'the library does not serve'
+    no_server || fail 'a server process runs although the library is registered'
+    exit $failures
+fi
+
+within 20 no_server || fail 'the server of earlier clients does not end'
+
+"$TESSARY_WINE" cscript.exe //nologo "$folder\\hold.vbs" </dev/null >hold.txt 2>&1 &
+client=$!
+within 30 begun || fail "the client did not begin: $(cat hold.txt)"
+[ "$(servers | wc -l)" = 1 ] || fail 'not one server runs for a client'
+short_client || fail 'a second client is not served'
+[ "$(servers | wc -l)" = 1 ] || fail 'the second client has a server of its own'
+sleep 7
+[ "$(servers | wc -l)" = 1 ] || fail 'the server ended although a client uses it'
+if deleted; then fail 'an open database could be deleted'; fi
+
+kill -9 "$client"
+wait "$client" 2>/dev/null
+client=
+within 5 deleted || fail 'the database of a dead client stays open'
+within 20 no_server || fail 'the server of a dead client does not end'
+
+# Activations around the moment at which the server ends.
+for delay in 5.6 5.8 5.9 6.0 6.1 6.2 6.4; do
+    short_client || fail "no service $delay seconds after the last"
+    sleep $delay
+done
+within 20 no_server || fail 'the server does not end after its last client'
+exit $failures
