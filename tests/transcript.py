@@ -17,7 +17,7 @@
 Comments and directives stand before the first input; their files lie relative to the transcript. `>>` lines continue
 the input (they are joined by a blank), `<` lines are typed at what the input asks for. The other lines are the exact
 output; blank lines at its end do not count. An output line that begins with `>`, `<` or `\\` has a `\\` in front. The
-session starts in an empty folder of its own.
+session starts in an empty folder of its own, whose path shows as FOLDER in the output.
 
 Exit status: 0 when the output is as written, 1 when not or when the host failed, 2 for an unusable transcript.
 TESSARY_BIN and TESSARY_WINE say where the binaries are and what runs them.
@@ -136,7 +136,13 @@ def run_session(transcript):
                 process.kill()
                 process.wait()
                 status = None
-            return read_text(output), read_text(errors), status
+            return without_folder(read_text(output), folder), read_text(errors), status
+
+
+def without_folder(text, folder):
+    """The text with FOLDER for the path of the session's folder, also where LISP shows it as a string."""
+    path = windows_path(pathlib.Path(folder))
+    return text.replace(path.replace("\\", "\\\\"), "FOLDER").replace(path, "FOLDER")
 
 
 def read_text(file):

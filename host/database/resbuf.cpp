@@ -104,6 +104,16 @@ bool ownsText(ResultKind kind) {
     return kind == ResultKind::String || kind == ResultKind::Handle;
 }
 
+// Without a text, also where one belongs to the type.
+resbuf* newNode(int type) {
+    auto* const node = static_cast<resbuf*>(std::calloc(1, sizeof(resbuf)));
+    if (!node)
+        return nullptr;
+    node->restype = static_cast<short>(type);
+    ++openCounters().valueNodes;
+    return node;
+}
+
 // Reads the next value from the arguments of acutBuildList. Short values arrive as int.
 bool takeArgument(resbuf& node, va_list& arguments) {
     switch (acutResultKind(node.restype)) {
@@ -154,15 +164,11 @@ ResultKind acutResultKind(int type) {
 }
 
 resbuf* acutNewRb(int type) {
-    auto* const node = static_cast<resbuf*>(std::calloc(1, sizeof(resbuf)));
-    if (!node)
-        return nullptr;
-    node->restype = static_cast<short>(type);
-    if (drafthost::ownsText(acutResultKind(type)) && !drafthost::setText(*node, L"")) {
-        std::free(node);
+    resbuf* const node = drafthost::newNode(type);
+    if (node && drafthost::ownsText(acutResultKind(type)) && !drafthost::setText(*node, L"")) {
+        acutRelRb(node);
         return nullptr;
     }
-    ++drafthost::openCounters().valueNodes;
     return node;
 }
 
@@ -192,7 +198,7 @@ resbuf* acutBuildList(int type, ...) {
     while (good && type != RTNONE && type != 0) {
         if (type == RTDXF0)
             type = 0;
-        resbuf* const node = drafthost::isKnownType(type) ? acutNewRb(type) : nullptr;
+        resbuf* const node = drafthost::isKnownType(type) ? drafthost::newNode(type) : nullptr;
         good = node != nullptr;
         if (!good)
             break;

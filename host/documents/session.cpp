@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <objbase.h>
+
 #include <algorithm>
 
 #include "host/database/database_impl.h"
@@ -39,6 +41,22 @@ BOOL WINAPI onConsoleEvent(DWORD event) {
     theHost().interrupt();
     return TRUE;
 }
+
+// COM on the main thread, for modules too: they create objects as soon as they are loaded, and release them
+// while they are unloaded.
+class ComApartment {
+public:
+    ComApartment() : entered_(SUCCEEDED(CoInitialize(nullptr))) {}
+    ~ComApartment() {
+        if (entered_)
+            CoUninitialize();
+    }
+    ComApartment(const ComApartment&) = delete;
+    ComApartment& operator=(const ComApartment&) = delete;
+
+private:
+    bool entered_;
+};
 
 class Session {
 public:
@@ -281,6 +299,7 @@ private:
 }  // namespace
 
 int runSession(const SessionOptions& options) {
+    const ComApartment apartment;
     int status = kSessionFailed;
     {
         Session session(options);

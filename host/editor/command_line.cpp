@@ -2,9 +2,6 @@
 
 #include <windows.h>
 
-#include <cstdarg>
-#include <cwchar>
-
 #include "host/lisp/utf8.h"
 
 namespace drafthost::editor {
@@ -70,23 +67,6 @@ void CommandLine::freshLine() {
 void CommandLine::ownFreshLine() {
     if (!atLineStart_ || endedOutside_)
         write(L"\n");
-}
-
-std::wstring formatted(const wchar_t* format, va_list arguments) {
-    // The length cannot be asked for: the buffer grows until the text fits.
-    constexpr std::size_t kLargest = 64 * 1024 * 1024;
-    for (std::wstring text(512, L'\0'); text.size() <= kLargest; text.resize(text.size() * 4)) {
-        va_list again;
-        va_copy(again, arguments);
-        // The platform's own: %s is a wide text there, while the compiler's C library takes it as bytes.
-        const int length = _vsnwprintf(text.data(), text.size(), format, again);
-        va_end(again);
-        if (length >= 0 && static_cast<std::size_t>(length) < text.size()) {
-            text.resize(static_cast<std::size_t>(length));
-            return text;
-        }
-    }
-    return format;
 }
 
 void reportOnStandardError(const std::wstring& message) {

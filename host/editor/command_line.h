@@ -37,9 +37,6 @@ private:
     bool endedOutside_ = false;
 };
 
-// Text of a printf format with wide texts for %s, of any length.
-std::wstring formatted(const wchar_t* format, va_list arguments);
-
 // Diagnostics of the host itself: one line on standard error, behind all that was shown so far.
 void reportOnStandardError(const std::wstring& message);
 

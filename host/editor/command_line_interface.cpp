@@ -9,6 +9,7 @@
 #include "host/documents/host.h"
 #include "host/editor/commands.h"
 #include "host/editor/entity_pick.h"
+#include "host/editor/formatted_text.h"
 #include "host/editor/value_conversion.h"
 
 using drafthost::Document;

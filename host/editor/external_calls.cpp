@@ -1,5 +1,7 @@
 #include "host/editor/external_calls.h"
 
+#include <comdef.h>
+
 #include "host/documents/host.h"
 #include "host/editor/structured_exceptions.h"
 #include "host/lisp/utf8.h"
@@ -57,6 +59,8 @@ Value ExternalCalls::call(Document& document, const ModuleFunction& function, li
     } catch (const std::exception& error) {
         throw lisp::LispError(L"external function " + function.name + L" failed: " +
                               lisp::fromUtf8(error.what()));
+    } catch (const _com_error& error) {
+        throw lisp::LispError(L"external function " + function.name + L" failed: " + error.ErrorMessage());
     } catch (...) {
         throw lisp::LispError(L"external function " + function.name + L" failed: unknown exception");
     }

@@ -1,6 +1,17 @@
 #include "module/binding/function_table.h"
 
 #include "module/binding/thunk.h"
+#include "module/database/connect_function.h"
+#include "module/database/connection_functions.h"
+#include "module/database/file_functions.h"
+#include "module/database/keyed_list_functions.h"
+#include "module/database/last_error_functions.h"
+#include "module/database/message_functions.h"
+#include "module/database/only_32_bit.h"
+#include "module/database/schema_functions.h"
+#include "module/database/server_connection.h"
+#include "module/database/statement_functions.h"
+#include "module/database/table_functions.h"
 
 #include <iterator>
 
@@ -8,70 +19,76 @@ namespace tessary {
 
 namespace {
 
+// Functions that have nothing to do in a drawing without a database.
+template <HandlerStatus (*handler)(DatabaseConnection&)>
+int connectionThunk() {
+    return databaseThunk<onConnection<handler>>();
+}
+
 constexpr FunctionEntry functions[] = {
-    {L"ts_append", unavailableThunk},
-    {L"ts_append_withindex", unavailableThunk},
-    {L"ts_closeall_tables", unavailableThunk},
-    {L"ts_close_table", unavailableThunk},
-    {L"ts_bottom", unavailableThunk},
-    {L"ts_count", unavailableThunk},
-    {L"ts_delete", unavailableThunk},
-    {L"ts_getrec", unavailableThunk},
-    {L"ts_structure", unavailableThunk},
-    {L"ts_list_indexes", unavailableThunk},
-    {L"ts_modify_table", unavailableThunk},
-    {L"ts_replace", unavailableThunk},
-    {L"ts_seek", unavailableThunk},
-    {L"ts_skip", unavailableThunk},
-    {L"ts_top", unavailableThunk},
-    {L"ts_table", unavailableThunk},
-    {L"ts_rename_table", unavailableThunk},
-    {L"ts_connect", unavailableThunk},
-    {L"ts_mdb", unavailableThunk},
-    {L"ts_create_db", unavailableThunk},
-    {L"ts_create_table", unavailableThunk},
-    {L"ts_close_db", unavailableThunk},
-    {L"ts_beep", unavailableThunk},
-    {L"ts_random", unavailableThunk},
-    {L"ts_message_beep", unavailableThunk},
-    {L"ts_exist", unavailableThunk},
-    {L"ts_readonly", unavailableThunk},
-    {L"ts_delete_table", unavailableThunk},
-    {L"ts_list_tables", unavailableThunk},
-    {L"ts_current_table", unavailableThunk},
-    {L"ts_current_index", unavailableThunk},
-    {L"ts_sql", unavailableThunk},
-    {L"ts_sql-nil", unavailableThunk},
-    {L"ts_sql-error", unavailableThunk},
-    {L"ts_command", unavailableThunk},
-    {L"ts_compact", unavailableThunk},
-    {L"ts_link_table", unavailableThunk},
-    {L"ts_query", unavailableThunk},
-    {L"ts_message_box", unavailableThunk},
-    {L"ts_create_index", unavailableThunk},
-    {L"ts_create_query", unavailableThunk},
-    {L"ts_xdput-list", unavailableThunk},
-    {L"ts_xdget", unavailableThunk},
-    {L"ts_xdget-list", unavailableThunk},
-    {L"ts_xdget-all", unavailableThunk},
-    {L"ts_mkdir", unavailableThunk},
-    {L"ts_relationExists", unavailableThunk},
-    {L"ts_relationDelete", unavailableThunk},
-    {L"ts_lastError", unavailableThunk},
-    {L"ts_resetLastError", unavailableThunk},
-    {L"ts_field_required", unavailableThunk},
-    {L"ts_attributes", unavailableThunk},
-    {L"ts_getVersion", unavailableThunk},
-    {L"ts_rmdir", unavailableThunk},
-    {L"ts_fmove", unavailableThunk},
-    {L"ts_fcopy", unavailableThunk},
-    {L"ts_fcopyIfChanged", unavailableThunk},
-    {L"ts_fdir", unavailableThunk},
-    {L"ts_fdelete", unavailableThunk},
-    {L"ts_indexUnique", unavailableThunk},
-    {L"ts_indexFields", unavailableThunk},
-    {L"ts_relationCount", unavailableThunk},
-    {L"ts_relationInfo", unavailableThunk},
+    {L"ts_append", connectionThunk<appendRecord>},
+    {L"ts_append_withindex", connectionThunk<appendRecordWithIndex>},
+    {L"ts_closeall_tables", connectionThunk<closeAllTables>},
+    {L"ts_close_table", connectionThunk<closeTable>},
+    {L"ts_bottom", connectionThunk<lastRecord>},
+    {L"ts_count", connectionThunk<recordCount>},
+    {L"ts_delete", connectionThunk<deleteRecord>},
+    {L"ts_getrec", connectionThunk<currentRecord>},
+    {L"ts_structure", connectionThunk<tableStructure>},
+    {L"ts_list_indexes", connectionThunk<indexNames>},
+    {L"ts_modify_table", connectionThunk<modifyTable>},
+    {L"ts_replace", connectionThunk<replaceRecord>},
+    {L"ts_seek", connectionThunk<seekRecord>},
+    {L"ts_skip", connectionThunk<skipRecords>},
+    {L"ts_top", connectionThunk<firstRecord>},
+    {L"ts_table", connectionThunk<openTable>},
+    {L"ts_rename_table", connectionThunk<renameTable>},
+    {L"ts_connect", databaseThunk<connectDatabase>},
+    {L"ts_mdb", connectionThunk<databasePath>},
+    {L"ts_create_db", databaseThunk<createDatabase>},
+    {L"ts_create_table", connectionThunk<createTable>},
+    {L"ts_close_db", connectionThunk<closeDatabase>},
+    {L"ts_beep", databaseThunk<beep>},
+    {L"ts_random", databaseThunk<libraryRandomNumber>},
+    {L"ts_message_beep", databaseThunk<messageBeep>},
+    {L"ts_exist", connectionThunk<tableExists>},
+    {L"ts_readonly", databaseThunk<isDatabaseReadOnly>},
+    {L"ts_delete_table", connectionThunk<deleteTable>},
+    {L"ts_list_tables", connectionThunk<tableNames>},
+    {L"ts_current_table", connectionThunk<currentTable>},
+    {L"ts_current_index", connectionThunk<currentIndex>},
+    {L"ts_sql", connectionThunk<sqlStatement>},
+    {L"ts_sql-nil", connectionThunk<sqlStatementOrNil>},
+    {L"ts_sql-error", connectionThunk<sqlStatementOrErrorText>},
+    {L"ts_command", connectionThunk<sqlCommand>},
+    {L"ts_compact", databaseThunk<compactDatabase>},
+    {L"ts_link_table", connectionThunk<linkTable>},
+    {L"ts_query", connectionThunk<runStoredQuery>},
+    {L"ts_message_box", databaseThunk<messageBox>},
+    {L"ts_create_index", connectionThunk<createIndex>},
+    {L"ts_create_query", connectionThunk<createStoredQuery>},
+    {L"ts_xdput-list", databaseThunk<putKeyedList>},
+    {L"ts_xdget", databaseThunk<getKeyedValue>},
+    {L"ts_xdget-list", databaseThunk<getKeyedList>},
+    {L"ts_xdget-all", databaseThunk<getWholeKeyedList>},
+    {L"ts_mkdir", databaseThunk<makeFolder>},
+    {L"ts_relationExists", connectionThunk<relationExists>},
+    {L"ts_relationDelete", connectionThunk<deleteRelation>},
+    {L"ts_lastError", databaseThunk<lastError>},
+    {L"ts_resetLastError", databaseThunk<resetLastError>},
+    {L"ts_field_required", connectionThunk<isFieldRequired>},
+    {L"ts_attributes", connectionThunk<fieldAttributes>},
+    {L"ts_getVersion", databaseThunk<serverVersion>},
+    {L"ts_rmdir", databaseThunk<removeFolder>},
+    {L"ts_fmove", databaseThunk<moveFile>},
+    {L"ts_fcopy", databaseThunk<copyFile>},
+    {L"ts_fcopyIfChanged", databaseThunk<copyFileIfChanged>},
+    {L"ts_fdir", databaseThunk<listFiles>},
+    {L"ts_fdelete", databaseThunk<deleteFile>},
+    {L"ts_indexUnique", databaseThunk<functionOfThe32BitVersion>},
+    {L"ts_indexFields", databaseThunk<functionOfThe32BitVersion>},
+    {L"ts_relationCount", databaseThunk<functionOfThe32BitVersion>},
+    {L"ts_relationInfo", databaseThunk<functionOfThe32BitVersion>},
 };
 
 static_assert(std::size(functions) == 63);

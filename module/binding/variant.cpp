@@ -46,6 +46,18 @@ Variant Variant::null() {
     return result;
 }
 
+Variant Variant::fromArray(SafeArray array) {
+    Variant result;
+    result.value_.vt = VT_ARRAY | VT_VARIANT;
+    result.value_.parray = array.release();
+    return result;
+}
+
+VARIANT* Variant::receive() {
+    VariantClear(&value_);
+    return &value_;
+}
+
 VARIANT Variant::release() {
     const VARIANT released = value_;
     VariantInit(&value_);

@@ -12,6 +12,12 @@
 
 namespace tessary {
 
+struct DestroySafeArray {
+    void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
+};
+// An array with its elements; null when there is none.
+using SafeArray = std::unique_ptr<SAFEARRAY, DestroySafeArray>;
+
 // A VARIANT that is cleared with this object. Failing automation calls throw std::bad_alloc: they can only be
 // short of memory here.
 class Variant {
@@ -25,9 +31,14 @@ public:
     static Variant fromReal(double value);
     static Variant fromBool(bool value);
     static Variant null();
+    static Variant fromArray(SafeArray array);
 
     const VARIANT& get() const { return value_; }
     VARTYPE type() const { return value_.vt; }
+    // The array of VT_VARIANT that the value holds; null for any other value. Stays the value's.
+    SAFEARRAY* array() const { return value_.vt == (VT_ARRAY | VT_VARIANT) ? value_.parray : nullptr; }
+    // The place for a value that a callee hands over; what was held before is cleared.
+    VARIANT* receive();
     // Hands the value to a caller that clears it.
     VARIANT release();
 
@@ -43,12 +54,6 @@ Variant variantFromLong(int number);
 
 // Text of a BSTR with all its characters; null is the empty text.
 std::wstring textOf(BSTR text);
-
-struct DestroySafeArray {
-    void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
-};
-// An array with its elements; null when there is none.
-using SafeArray = std::unique_ptr<SAFEARRAY, DestroySafeArray>;
 
 // A new one-dimensional VT_VARIANT array from index 0. The values are moved out of the elements, which are
 // left empty.

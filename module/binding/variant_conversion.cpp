@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cwctype>
+#include <string_view>
 #include <vector>
 
 namespace tessary {
@@ -14,7 +15,7 @@ namespace {
 constexpr const wchar_t* listBeginMarker = L"*RTLB*";
 constexpr const wchar_t* listEndMarker = L"*RTLE*";
 constexpr const wchar_t* dotMarker = L"*RTDOTE*";
-constexpr const wchar_t* newRecordMarker = L"*NewRecord*";
+constexpr std::wstring_view newRecordMarker = L"*NewRecord*";
 
 const wchar_t* structureMarker(short type) {
     switch (type) {
@@ -25,8 +26,8 @@ const wchar_t* structureMarker(short type) {
     }
 }
 
-ValueList textNode(const std::wstring& text) {
-    return ownValueList(acutBuildList(RTSTR, text.c_str(), RTNONE));
+ValueList textNode(const wchar_t* text) {
+    return ownValueList(acutBuildList(RTSTR, text, RTNONE));
 }
 
 ValueList realNode(double value) {
@@ -37,30 +38,48 @@ ValueList longNode(std::int32_t value) {
     return ownValueList(acutBuildList(RTLONG, value, RTNONE));
 }
 
+// The characters of a text where they lie; a null character follows them. Large results are made of these.
+std::wstring_view charactersOf(BSTR text) {
+    return text ? std::wstring_view(text, SysStringLen(text)) : std::wstring_view(L"");
+}
+
+std::wstring_view trimmedView(std::wstring_view text) {
+    const auto isSpace = [](wchar_t character) { return std::iswspace(character) != 0; };
+    while (!text.empty() && isSpace(text.back())) {
+        text.remove_suffix(1);
+    }
+    while (!text.empty() && isSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    return text;
+}
+
 // Fields that keep their blanks still say "empty" with one blank: the server cannot store the empty text.
-std::wstring untrimmed(std::wstring text) {
-    return text == L" " ? std::wstring() : text;
+std::wstring_view untrimmed(std::wstring_view text) {
+    return text == L" " ? text.substr(1) : text;
 }
 
 ValueList stringNode(BSTR value, bool trim) {
-    std::wstring text = textOf(value);
-    return textNode(trim ? trimmed(std::move(text)) : untrimmed(std::move(text)));
+    const std::wstring_view whole = charactersOf(value);
+    const std::wstring_view text = trim ? trimmedView(whole) : untrimmed(whole);
+    const bool reachesEnd = text.data() + text.size() == whole.data() + whole.size();
+    return reachesEnd ? textNode(text.data()) : textNode(std::wstring(text).c_str());
 }
 
 bool isNewRecord(const VARIANT& value) {
-    return value.vt == VT_BSTR && textOf(value.bstrVal) == newRecordMarker;
+    return value.vt == VT_BSTR && charactersOf(value.bstrVal) == newRecordMarker;
 }
 
 // Element as the name of a pair; what is no text has the empty name.
-std::wstring nameText(const VARIANT& value) {
-    return value.vt == VT_BSTR ? textOf(value.bstrVal) : std::wstring();
+const wchar_t* nameText(const VARIANT& value) {
+    return value.vt == VT_BSTR && value.bstrVal ? value.bstrVal : L"";
 }
 
 // Appends the pair whose name is element i; a name that ends the array is left without a value.
 void addPairAt(ResultList& list, std::span<const VARIANT> elements, std::size_t i) {
     const Variant nothing;
     const VARIANT& value = i + 1 < elements.size() ? elements[i + 1] : nothing.get();
-    addNamedVariant(list, nameText(elements[i]).c_str(), value);
+    addNamedVariant(list, nameText(elements[i]), value);
 }
 
 void addNode(ResultList& list, int type) {
@@ -102,16 +121,8 @@ const resbuf* takePair(const resbuf* name, std::vector<Variant>& elements, bool&
 
 }  // namespace
 
-std::wstring trimmed(std::wstring text) {
-    const auto isSpace = [](wchar_t character) { return std::iswspace(character) != 0; };
-    while (!text.empty() && isSpace(text.back())) {
-        text.pop_back();
-    }
-    std::size_t first = 0;
-    while (first < text.size() && isSpace(text[first])) {
-        ++first;
-    }
-    return text.erase(0, first);
+std::wstring trimmed(const std::wstring& text) {
+    return std::wstring(trimmedView(text));
 }
 
 std::wstring dateText(DATE date) {
@@ -144,7 +155,7 @@ ValueList variantToValueList(const VARIANT& variant, bool trim) {
         case VT_BOOL: return longNode(variant.boolVal);
         case VT_R4: return realNode(variant.fltVal);
         case VT_R8: return realNode(variant.dblVal);
-        case VT_DATE: return textNode(dateText(variant.date));
+        case VT_DATE: return textNode(dateText(variant.date).c_str());
         case VT_BSTR: return stringNode(variant.bstrVal, trim);
         default: return ownValueList(acutNewRb(RTNIL));
     }

@@ -51,6 +51,6 @@ void recordArrayToValueList(SAFEARRAY* array);
 std::wstring dateText(DATE date);
 
 // The text without white space at both ends.
-std::wstring trimmed(std::wstring text);
+std::wstring trimmed(const std::wstring& text);
 
 }  // namespace tessary

@@ -1,31 +1,28 @@
 #pragma once
 
-// Which database connection belongs to which open drawing. Every drawing has a record, newest first; records
-// live from the opening of the drawing to its closing. Main thread only, so nothing is locked.
+// Which database connection belongs to which open drawing. A drawing gets a record when it is opened and one
+// more each time a database is opened for it; the first record with its name counts. Main thread only, so
+// nothing is locked.
 
-#include <windows.h>
-
-#include <unknwn.h>
+#include "module/database/server_connection.h"
 
 #include <list>
-#include <memory>
 #include <string>
 
 namespace tessary {
 
-struct ReleaseInterface {
-    void operator()(IUnknown* object) const { object->Release(); }
-};
-
 struct DocumentConnection {
-    std::wstring fileName;                                   // of the drawing
-    std::unique_ptr<IUnknown, ReleaseInterface> connection;  // null: no database is open for the drawing
-    std::wstring databasePath;                               // empty: none
+    std::wstring fileName;         // of the drawing; empty: it uses another record now
+    ConnectionPointer connection;  // null: no database is open for the drawing
+    std::wstring databasePath;     // empty: none
     bool readOnly = false;
 };
 
 // The records, newest first. Created empty when the module is loaded.
 std::list<DocumentConnection>& documentConnections();
+
+// File name of the drawing that is active now; empty without one.
+std::wstring activeDrawingName();
 
 // Adds a record without a connection. Without memory for it there is none: the drawing then has no database.
 void addDocumentConnection(const wchar_t* fileName);
@@ -33,15 +30,28 @@ void addDocumentConnection(const wchar_t* fileName);
 // Forgets the newest record. When a drawing closes, ensureDatabaseConnection has made its record the newest.
 void removeNewestDocumentConnection();
 
-// Forgets all records and their connections.
+// Closes the databases of all records and forgets them.
 void closeAllConnections();
 
-// Will make the connection of the active drawing current and repair a broken one; runs before every database
-// function and before a drawing closes. Does nothing as long as no database can be opened.
+// Makes the connection of the active drawing current and looks after one that is not healthy; runs before
+// every database function and before a drawing closes. Throws a _com_error when the server cannot be reached.
 void ensureDatabaseConnection();
 
-// Will close the current connection's database and drop the connection. There is none as long as no database
-// can be opened.
+// Closes the current connection's database. The connection stays current and in its record: programs go on
+// asking it.
+void closeCurrentDatabase();
+
+// Closes the current connection's database and drops the connection.
 void closeCurrentConnection();
+
+// Removes the records that have neither a drawing nor a connection.
+void purgeOrphanRecords();
+
+// Whether the connection, which may be null, has that database open. A path that is only a part of the
+// database's own counts as the same: programs name databases by file name alone.
+bool isSameDatabase(const ConnectionPointer& connection, const std::wstring& path);
+
+// Makes an open connection to the database current for the active drawing, when the drawing had one.
+void adoptOpenConnection(const std::wstring& path);
 
 }  // namespace tessary

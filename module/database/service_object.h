@@ -1,11 +1,14 @@
 #pragma once
 
-// The database server's service object. It will be created when the module is loaded, told so once, and told
-// once more and released when the module is unloaded. Does nothing as long as there is no database server.
+// The database server's service object: created when the module is loaded and released when it is unloaded,
+// and told both. Without a server there is none, and nothing else depends on it.
 
 namespace tessary {
 
+// Throws a _com_error when the server refuses the module.
 void createServiceObject();
+
+// Also forgets the connections that are left, so that nothing of the server outlives the module's use of COM.
 void releaseServiceObject();
 
 }  // namespace tessary

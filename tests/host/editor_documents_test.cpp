@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdarg>
 #include <fstream>
 
 #include "host/api/editor.h"
@@ -116,22 +115,6 @@ TEST_F(DocumentsTest, FilesAreFoundByNameAndInTheSupportFolders) {
     theHost().services().addSupportFolder(L"C:\\windows");
     EXPECT_EQ(services.findFile(path, 260, L"win.ini"), Acad::eOk);
     EXPECT_EQ(services.findFile(path, 4, L"win.ini"), Acad::eInvalidInput);
-}
-
-std::wstring format(const wchar_t* text, ...) {
-    va_list arguments;
-    va_start(arguments, text);
-    std::wstring result = editor::formatted(text, arguments);
-    va_end(arguments);
-    return result;
-}
-
-TEST(Formatting, TextsAreWideAndOfAnyLength) {
-    EXPECT_EQ(format(L"%s|%ls|%d|%.2f|%c|%%", L"wide \x3A9", L"too", -5, 2.5, L'x'),
-              L"wide \x3A9|too|-5|2.50|x|%");
-    const std::wstring large(100000, L'a');
-    EXPECT_EQ(format(L"<%s>", large.c_str()).size(), large.size() + 2);
-    EXPECT_EQ(format(L""), L"");
 }
 
 TEST_F(DocumentsTest, ValueListsKeepTheirShapeThroughLisp) {
