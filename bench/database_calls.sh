@@ -19,6 +19,6 @@ for server in local inproc; do
     register "$server"
     printf '\nserver: %s' "$server"
     "$TESSARY_WINE" "$TESSARY_BIN/drafthost.exe" run --module "$(windows_path "$TESSARY_BIN/Tessary2010x64.arx")" \
-        --module "$(windows_path "$TESSARY_BIN/BareRecords.arx")" --module "$(windows_path "$TESSARY_BIN/BareGeometry.arx")" \
+        --module "$(windows_path "$TESSARY_BIN/BareWork.arx")" \
         "$(windows_path "$TESSARY_ROOT/bench/database_calls.lsp")"
 done

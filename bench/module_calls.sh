@@ -5,5 +5,5 @@ set -eu
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 cd "$TESSARY_BIN"
 "$TESSARY_WINE" drafthost.exe run --module "$(windows_path "$TESSARY_BIN/Tessary2010x64.arx")" \
-    --module "$(windows_path "$TESSARY_BIN/BareGeometry.arx")" \
+    --module "$(windows_path "$TESSARY_BIN/BareWork.arx")" \
     "$(windows_path "$TESSARY_ROOT/bench/module_calls.lsp")"

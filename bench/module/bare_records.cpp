@@ -1,9 +1,7 @@
-// A small module for benchmarks: the records of a table read by SQLite alone, in a plain loop that builds the
-// value list that LISP gets. Its time is the baseline of bench/database_calls.lsp, taken in the same process.
+#include "bench/module/bare_records.h"
 
 #include <windows.h>
 
-#include "host/api/documents.h"
 #include "host/api/editor.h"
 
 #include <sqlite3.h>
@@ -67,7 +65,8 @@ std::wstring textArgument(resbuf*& argument) {
     return text;
 }
 
-// (bench-bare-records FILE STATEMENT) -> (((name . value) ...) ...), nil when SQLite does not take it
+}  // namespace
+
 int bareRecords() {
     resbuf* arguments = acedGetArgs();
     resbuf* next = arguments;
@@ -93,22 +92,4 @@ int bareRecords() {
     sqlite3_finalize(rows);
     sqlite3_close(connection);
     return RSRSLT;
-}
-
-}  // namespace
-
-extern "C" __declspec(dllexport) std::uint32_t acrxGetApiVersion() {
-    return kHostApiVersion;
-}
-
-extern "C" __declspec(dllexport) AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void* packet) {
-    if (message == AcRx::kInitAppMsg) {
-        acrxUnlockApplication(packet);
-        acrxRegisterAppMDIAware(packet);
-    }
-    if (message == AcRx::kLoadDwgMsg) {
-        acedDefun(L"bench-bare-records", 0);
-        acedRegFunc(bareRecords, 0);
-    }
-    return AcRx::kRetOK;
 }
