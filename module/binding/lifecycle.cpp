@@ -60,10 +60,16 @@ void loadModule(void* packet) {
 
 void unloadModule() {
     removeLeaderClass();
+    // Also when the server cannot be reached any more, which releasing its object reports: the module's code
+    // goes in any case, and nothing in the host may point to it then.
+    const struct Detachment {
+        ~Detachment() {
+            detachEditorReactor();
+            acrxUnloadModule(solidModuleName, false);
+            CoUninitialize();
+        }
+    } detachment;
     releaseServiceObject();
-    detachEditorReactor();
-    acrxUnloadModule(solidModuleName, false);
-    CoUninitialize();
 }
 
 void openDocument() {

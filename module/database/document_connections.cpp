@@ -222,7 +222,9 @@ bool isSameDatabase(const ConnectionPointer& connection, const std::wstring& pat
         return false;
     }
     const std::wstring open = comparablePath(callForText(*connection, &DatabaseConnection::DatabasePath));
-    return open.find(comparablePath(path)) != std::wstring::npos;
+    // The server was told the whole path, without the "." and ".." that the program may have given.
+    return open.find(comparablePath(path)) != std::wstring::npos ||
+           open == comparablePath(pathForServer(path));
 }
 
 void adoptOpenConnection(const std::wstring& path) {

@@ -114,7 +114,7 @@ public:
         }
     }
 
-    bool hasData() const { return data_ != nullptr; }
+    // Null without data.
     const resbuf* items() const { return data_ ? data_->rbnext : nullptr; }
 
 private:

@@ -14,6 +14,12 @@ constexpr const wchar_t* repairStatus = L"*REPAIR*";
 constexpr long noCurrentRecord = 3021;
 constexpr long diskOrNetworkError = 3043;
 
+// What the system says when the server that it finds is just ending for want of use.
+bool isEndingServer(HRESULT result) {
+    return result == CO_E_SERVER_STOPPING || result == REGDB_E_CLASSNOTREG ||
+           result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE);
+}
+
 HRESULT createRunningObject(REFCLSID classId, REFIID interfaceId, void** object, DWORD context) {
     ComPointer<IUnknown> unknown;
     HRESULT result = CoCreateInstance(classId, nullptr, context, IID_IUnknown,
@@ -77,9 +83,12 @@ void dropCurrentConnection() {
 
 HRESULT createConnectionObject(REFCLSID classId, REFIID interfaceId, void** object, DWORD context) {
     *object = nullptr;
-    return (context & (CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER)) != 0
-               ? createRunningObject(classId, interfaceId, object, context)
-               : CoCreateInstance(classId, nullptr, context, interfaceId, object);
+    if ((context & (CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER)) == 0) {
+        return CoCreateInstance(classId, nullptr, context, interfaceId, object);
+    }
+    const HRESULT result = createRunningObject(classId, interfaceId, object, context);
+    // Asked once more, the system starts a new server.
+    return isEndingServer(result) ? createRunningObject(classId, interfaceId, object, context) : result;
 }
 
 ConnectionPointer createConnection() {

@@ -51,8 +51,12 @@ bool isTrue(VARIANT_BOOL flag) {
 
 }  // namespace
 
+// Nobody waits any more for the statement that may be at work, and others wait for its lock.
 void ConnectionWork::abandon() {
-    const std::lock_guard lock(mutex);
+    std::unique_lock lock(mutex, std::defer_lock);
+    while (!lock.try_lock_for(std::chrono::milliseconds(100))) {
+        session.interrupt();
+    }
     session.close();
 }
 
@@ -171,11 +175,11 @@ HRESULT ConnectionObject::OpenForCustomization(BSTR path, VARIANT_BOOL* readOnly
     });
 }
 
-// Leaves the pending error alone: clients close after an opening that failed, and ask for its reason then.
+// An error of the database that is closed is no news any more. Without one the pending error stays: clients
+// close after an opening that failed, and ask for its reason then.
 HRESULT ConnectionObject::CloseDatabase(VARIANT_BOOL* closed) {
     return askFlag(closed, [](Session& session) {
-        session.close();
-        return true;
+        return !session.isOpen() || session.attempt([&] { session.close(); });
     });
 }
 

@@ -17,7 +17,7 @@ public:
     explicit ConnectionWork(std::shared_ptr<Engine> engine) : session(std::move(engine)) {}
     void abandon() override;
 
-    std::mutex mutex;
+    std::timed_mutex mutex;
     Session session;
 };
 

@@ -115,6 +115,10 @@ public:
     virtual std::int64_t run(const sql::Statement& statement, std::span<const Value> parameters, RowSink* sink) = 0;
     // The same for a stored query.
     virtual std::int64_t runQuery(TextView name, std::span<const Value> parameters, RowSink* sink) = 0;
+
+    // From any thread: a statement at work ends soon, with an error and nothing changed. Without effect when there is
+    // none.
+    virtual void interrupt() = 0;
 };
 
 enum class OpenMode { readWrite, readOnly, readWriteIfPossible };

@@ -39,6 +39,7 @@ constexpr TypeWord typeWords[] = {
     {u"FLOAT", FieldType::number},
     {u"NUMBER", FieldType::number},
     {u"NUMERIC", FieldType::number},
+    {u"DECIMAL", FieldType::number},
     {u"CURRENCY", FieldType::currency},
     {u"MONEY", FieldType::currency},
     {u"DATETIME", FieldType::dateTime},

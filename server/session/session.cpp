@@ -7,14 +7,23 @@ namespace tessary::server {
 bool Session::open(TextView path, OpenMode mode, Text& problem) {
     close();
     OpenResult result = engine_->open(path, mode);
-    database_ = std::move(result.database);
     problem = std::move(result.problem);
+    const std::lock_guard lock(databaseMutex_);
+    database_ = std::move(result.database);
     return database_ != nullptr;
 }
 
 void Session::close() {
     closeAllTables();
+    const std::lock_guard lock(databaseMutex_);
     database_.reset();
+}
+
+void Session::interrupt() {
+    const std::lock_guard lock(databaseMutex_);
+    if (database_) {
+        database_->interrupt();
+    }
 }
 
 Database& Session::database() {
@@ -47,7 +56,7 @@ void Session::selectTable(TextView table, TextView index) {
         found->setIndex(index);
     } else if (!database().hasTable(table)) {
         closeTable(table);
-        throw DatabaseError(ErrorCode::tableNotFound, u"There is no table '" + Text(table) + u"'.");
+        throw DatabaseError(ErrorCode::tableNotFound, u"The table '" + Text(table) + u"' does not exist.");
     }
     current_ = &*found;
 }

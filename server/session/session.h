@@ -6,6 +6,7 @@
 #include "server/session/table_cursor.h"
 
 #include <list>
+#include <mutex>
 
 namespace tessary::server {
 
@@ -48,6 +49,8 @@ public:
     bool open(TextView path, OpenMode mode, Text& problem);
     // Also when none is open.
     void close();
+    // From any thread, also during another operation: a statement that is at work ends with an error.
+    void interrupt();
     bool isOpen() const { return database_ != nullptr; }
     // Without a database the session itself is: clients give up a connection that is not alive, while one
     // that is only closed goes on answering.
@@ -104,6 +107,8 @@ private:
 
     std::shared_ptr<Engine> engine_;
     std::unique_ptr<Database> database_;
+    // Of the pointer: it changes on the thread at work only, and interrupt comes from others.
+    std::mutex databaseMutex_;
     Cursors cursors_;
     TableCursor* current_ = nullptr;
     PendingError pending_;

@@ -172,6 +172,23 @@ Tree parseIsNull(ParserContext& context, Tree operand, std::size_t offset) {
     return makeTree(context, IsNull{std::move(operand.expression), negated}, offset, operand.height);
 }
 
+// ANY and SOME are no words of their own: only what follows tells.
+bool atQuantifier(ParserContext& context) {
+    const bool word = context.atWord(u"all") || context.atWord(u"any") || context.atWord(u"some");
+    return word && context.atSymbol(u"(", 1) && context.atWord(u"select", 2);
+}
+
+Tree parseQuantified(ParserContext& context, BinaryOperator operation, Tree value, std::size_t offset) {
+    const bool all = isWord(context.take().text, u"all");
+    context.expectSymbol(u"(");
+    NestedSelect nested = parseNestedSelect(context);
+    context.expectSymbol(u")");
+    const int below = std::max(value.height, nested.height);
+    return makeTree(context,
+                    Quantified{operation, std::move(value.expression), std::move(nested.select), all}, offset,
+                    below);
+}
+
 bool atWordComparison(ParserContext& context) {
     const std::size_t ahead = context.atWord(u"not") ? 1 : 0;
     return context.atWord(u"like", ahead) || context.atWord(u"between", ahead) ||
@@ -317,6 +334,10 @@ Tree parseLevel(ParserContext& context, int level) {
             left = parseChain(context, *infix, std::move(left));
         } else {
             const std::size_t offset = context.take().offset;
+            if (infix->level == comparison && atQuantifier(context)) {
+                left = parseQuantified(context, infix->operation, std::move(left), offset);
+                continue;
+            }
             Tree right = parseLevel(context, infix->level + 1);
             left = joined(context, infix->operation, std::move(left), std::move(right), offset);
         }

@@ -100,8 +100,10 @@ void parseReference(ParserContext& context, Text name, std::vector<Text> foreign
     context.expectWord(u"references");
     RelationDefinition relation;
     relation.table = context.takeName();
-    relation.fields = parseNames(context);
-    if (relation.fields.size() != foreignFields.size()) {
+    if (context.atSymbol(u"(")) {
+        relation.fields = parseNames(context);
+    }
+    if (!relation.fields.empty() && relation.fields.size() != foreignFields.size()) {
         context.fail(u"as many fields must be referred to as refer");
     }
     while (context.acceptWord(u"on")) {

@@ -189,11 +189,8 @@ void parseRow(ParserContext& context, Insert& insert) {
     insert.rows.push_back(std::move(row));
 }
 
-}  // namespace
-
-SelectPtr parseSelect(ParserContext& context) {
-    const Nesting nesting(context, selectLevels);
-    SelectPtr select = parseMember(context);
+// The unions and the order behind a select.
+SelectPtr parseFollowing(ParserContext& context, SelectPtr select) {
     if (context.atWord(u"union") || context.atWord(u"order")) {
         select = asMember(context, std::move(select));
     }
@@ -206,14 +203,31 @@ SelectPtr parseSelect(ParserContext& context) {
     return select;
 }
 
-NestedSelect parseNestedSelect(ParserContext& context) {
-    const int tallestBefore = std::exchange(context.tallest, 0);
-    NestedSelect nested{parseSelect(context), context.tallest + 1};
-    if (!nested.select->into.empty()) {
+// Of a select for which `tallest` was begun anew.
+NestedSelect nestedIn(ParserContext& context, SelectPtr select, int tallestBefore) {
+    if (!select->into.empty()) {
         context.fail(u"a select inside another statement cannot make a table");
     }
-    context.tallest = std::max(tallestBefore, nested.height);
-    return nested;
+    const int height = context.tallest + 1;
+    context.tallest = std::max(tallestBefore, height);
+    return {std::move(select), height};
+}
+
+}  // namespace
+
+SelectPtr parseSelect(ParserContext& context) {
+    const Nesting nesting(context, selectLevels);
+    return parseFollowing(context, parseMember(context));
+}
+
+NestedSelect parseNestedSelect(ParserContext& context) {
+    const int tallestBefore = std::exchange(context.tallest, 0);
+    return nestedIn(context, parseSelect(context), tallestBefore);
+}
+
+NestedSelect parseUnionOf(ParserContext& context, SelectPtr first, int height) {
+    const int tallestBefore = std::exchange(context.tallest, height);
+    return nestedIn(context, parseFollowing(context, std::move(first)), tallestBefore);
 }
 
 Insert parseInsert(ParserContext& context) {

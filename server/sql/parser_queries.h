@@ -15,6 +15,8 @@ struct NestedSelect {
     int height = 0;
 };
 NestedSelect parseNestedSelect(ParserContext& context);
+// What follows a select in parentheses that turned out to be the first member of a union, at UNION.
+NestedSelect parseUnionOf(ParserContext& context, SelectPtr first, int height);
 
 Insert parseInsert(ParserContext& context);
 Update parseUpdate(ParserContext& context);

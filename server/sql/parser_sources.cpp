@@ -59,6 +59,11 @@ SourceTree parseParenthesized(ParserContext& context) {
         inner = makeSource(context, {SelectSource{std::move(nested.select), {}}}, nested.height);
     } else {
         inner = parseCommaList(context);
+        if (auto* const first = std::get_if<SelectSource>(&inner.source->node);
+            first && context.atWord(u"union")) {
+            NestedSelect nested = parseUnionOf(context, std::move(first->select), inner.height);
+            inner = makeSource(context, {SelectSource{std::move(nested.select), {}}}, nested.height);
+        }
     }
     context.expectSymbol(u")");
     parseOuterAlias(context, *inner.source);

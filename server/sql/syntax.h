@@ -70,6 +70,13 @@ struct InSelect {
     SelectPtr select;
     bool negated = false;
 };
+// value > ALL (select), value = ANY (select); SOME is ANY. The operation is a comparison.
+struct Quantified {
+    BinaryOperator operation;
+    ExpressionPtr value;
+    SelectPtr select;
+    bool all = false;
+};
 struct Exists {
     SelectPtr select;
 };
@@ -85,8 +92,8 @@ struct Call {
 };
 
 struct Expression {
-    std::variant<Literal, Name, Placeholder, Unary, Binary, Like, Between, IsNull, InList, InSelect, Exists, Subquery,
-                 Call>
+    std::variant<Literal, Name, Placeholder, Unary, Binary, Like, Between, IsNull, InList, InSelect, Quantified,
+                 Exists, Subquery, Call>
         node;
     std::size_t offset = 0;  // in the statement, for error texts
 };

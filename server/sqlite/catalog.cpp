@@ -101,12 +101,23 @@ const Definitions& Catalog::definitions() {
     const ResetLater resetLater(version_);
     const std::int64_t version = version_.step() ? version_.integer(0) : 0;
     if (loadedVersion_ != version) {
-        Definitions read;
-        load(read);
-        definitions_ = std::move(read);
+        definitions_ = readDefinitions();
         loadedVersion_ = version;
     }
     return definitions_;
+}
+
+// Without its own tables, or with others of their names, the file is not what it was.
+Definitions Catalog::readDefinitions() {
+    Definitions definitions;
+    try {
+        load(definitions);
+    } catch (const DatabaseError& error) {
+        if (error.code() != ErrorCode::couldNotStart)
+            throw;
+        throwUnreadable(connection_);
+    }
+    return definitions;
 }
 
 void Catalog::load(Definitions& definitions) {

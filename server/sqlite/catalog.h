@@ -61,6 +61,7 @@ private:
     std::string tableName(const char* name) const { return schema_ + ".\"!" + name + "\""; }
     void run(const std::string& sql, std::span<const Value> values);
     void changed();
+    Definitions readDefinitions();
     void load(Definitions& definitions);
     void loadFields(std::map<std::int64_t, TableEntry>& entries);
     void loadIndexes(std::map<std::int64_t, TableEntry>& entries);

@@ -29,16 +29,30 @@ void createDatabase(TextView path) {
 
 namespace {
 
+// SQLite's errors name the source, whatever file they are about.
+void writeCopy(Connection& source, const TemporaryFile& file, TextView target) {
+    try {
+        Prepared vacuum = source.prepare("VACUUM main INTO ?");
+        vacuum.bindCopy(1, file.text());
+        vacuum.run();
+    } catch (const DatabaseError& error) {
+        if (error.code() == ErrorCode::diskFull)
+            throw DatabaseError(error.code(),
+                                inText(u"The disk is full; the file '", target, u"' was not made."));
+        if (error.code() == ErrorCode::cannotOpen)
+            throw DatabaseError(error.code(), inText(u"The file '", target, u"' cannot be written."));
+        throw;
+    }
+}
+
 // Nothing when it went well, otherwise why the source cannot be copied as it is.
-std::optional<Text> copyHealthy(TextView source, const TemporaryFile& file) {
+std::optional<Text> copyHealthy(TextView source, const TemporaryFile& file, TextView target) {
     try {
         Connection connection(source, Connection::Access::readWrite);
         Catalog catalog(connection, "main");
         if (std::optional<Text> problem = findDamage(connection, catalog, Thoroughness::full))
             return problem;
-        Prepared vacuum = connection.prepare("VACUUM main INTO ?");
-        vacuum.bindCopy(1, file.text());
-        vacuum.run();
+        writeCopy(connection, file, target);
         return std::nullopt;
     } catch (const DatabaseError& error) {
         if (error.code() == ErrorCode::damaged || error.code() == ErrorCode::notADatabase ||
@@ -65,7 +79,7 @@ void compactDatabase(TextView source, TextView target) {
     requireDatabaseFile(source);
     requireNewFile(target);
     TemporaryFile file(temporaryBeside(target));
-    const std::optional<Text> problem = copyHealthy(source, file);
+    const std::optional<Text> problem = copyHealthy(source, file, target);
     if (!problem) {
         requireSound(file);
         file.moveTo(target);

@@ -6,6 +6,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -150,6 +151,18 @@ Date dateFrom(const Value& value) {
     if (!isValidDate(date))
         raise(ErrorCode::typeMismatch, u"Data type mismatch: '" + textOf(value) + u"' is no date.");
     return date;
+}
+
+Text shownText(const Value& value) {
+    const auto* number = std::get_if<double>(&value);
+    if (!number || !std::isfinite(*number))
+        return textOf(value);
+    char digits[40];
+    const char* const end =
+        std::to_chars(std::begin(digits), std::end(digits), *number, std::chars_format::scientific, 14).ptr;
+    double rounded = *number;
+    std::from_chars(digits, end, rounded);
+    return textOf(rounded);
 }
 
 std::int64_t wholeOf(const Value& value) {

@@ -96,18 +96,44 @@ Value formatted(const Value& value, TextView pattern) {
 Value format(Arguments a) {
     if (isNull(a[0]))
         return Text();
-    const Text pattern = textOf(a[1]);
-    return pattern.empty() ? textOf(a[0]) : formatted(a[0], pattern);
+    const Text pattern = shownText(a[1]);
+    return pattern.empty() ? shownText(a[0]) : formatted(a[0], pattern);
 }
 
 Value formatOfDate(Arguments a) {
     if (isNull(a[0]))
         return Text();
-    const Text pattern = textOf(a[1]);
+    const Text pattern = shownText(a[1]);
     return pattern.empty() ? textOf(dateFrom(a[0])) : formatted(a[0], pattern);
 }
 
-constexpr Function table[] = {{"ts_format", 2, format, false}, {"ts_format_date", 2, formatOfDate, false}};
+int wholeBetween(const Value& value, int most, TextView function) {
+    const std::int64_t number = wholeOf(value);
+    if (number < 1 || number > most)
+        raise(ErrorCode::invalidArgument, Text(function) + u": there is no number " + textOf(value) + u".");
+    return static_cast<int>(number);
+}
+
+// The name, or its first three letters.
+Value shortened(TextView name, Arguments a) {
+    return Text(a.size() > 1 && numberOf(a[1]) != 0 ? name.substr(0, 3) : name);
+}
+
+Value nameOfMonth(Arguments a) {
+    return shortened(monthName(wholeBetween(a[0], 12, u"MonthName")), a);
+}
+
+// The third argument says which day is 1; 0 and none at all: Sunday.
+Value nameOfWeekday(Arguments a) {
+    const bool given = a.size() > 2 && wholeOf(a[2]) != 0;
+    const int first = given ? wholeBetween(a[2], 7, u"WeekdayName") : 1;
+    return shortened(dayName((wholeBetween(a[0], 7, u"WeekdayName") + first - 2) % 7 + 1), a);
+}
+
+constexpr Function table[] = {{"ts_format", 2, format, false},
+                              {"ts_format_date", 2, formatOfDate, false},
+                              {"ts_monthname", -1, nameOfMonth},
+                              {"ts_weekdayname", -1, nameOfWeekday}};
 
 }  // namespace
 

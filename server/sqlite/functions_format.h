@@ -13,6 +13,10 @@ Text formatNumber(double number, TextView pattern);
 // d dd ddd dddd m mm mmm mmmm yy yyyy h hh n nn s ss q w ww y c AM/PM and so on; m after h means minutes.
 Text formatDate(Date date, TextView pattern);
 
+// In English; months from 1, days of the week from 1 for Sunday.
+TextView monthName(int month);
+TextView dayName(int weekday);
+
 Text changedCase(TextView text, bool upper);
 
 }  // namespace tessary::server::functions

@@ -132,6 +132,14 @@ private:
 
 }  // namespace
 
+TextView monthName(int month) {
+    return monthNames[static_cast<std::size_t>(month - 1)];
+}
+
+TextView dayName(int weekday) {
+    return dayNames[static_cast<std::size_t>(weekday - 1)];
+}
+
 Text formatDate(Date date, TextView pattern) {
     return DateWriter(date, pattern).write();
 }

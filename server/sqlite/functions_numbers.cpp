@@ -4,7 +4,9 @@
 #include "server/values/formatting.h"
 
 #include <algorithm>
+#include <cinttypes>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 
 namespace tessary::server::functions {
@@ -117,10 +119,28 @@ Value arcTangent(Arguments a) {
     return std::atan(numberOf(a[0]));
 }
 
+// &HFF and &O17 with the digits that the text has; without any 0.
+double prefixedNumber(TextView text) {
+    const int base = (text[1] | 0x20) == u'h' ? 16 : 8;
+    double number = 0;
+    for (char16_t c : text.substr(2)) {
+        const char16_t lower = c | 0x20;
+        const int digit = c >= u'0' && c <= u'9'           ? c - u'0'
+                          : lower >= u'a' && lower <= u'f' ? lower - u'a' + 10
+                                                           : base;
+        if (digit >= base)
+            break;
+        number = number * base + digit;
+    }
+    return number;
+}
+
 // The number that a text begins with, 0 when it begins with none; blanks do not count.
 Value val(Arguments a) {
-    Text text = textOf(a[0]);
+    Text text = shownText(a[0]);
     std::erase_if(text, [](char16_t c) { return c == u' ' || c == u'\t' || c == u'\n'; });
+    if (text.size() > 2 && text[0] == u'&' && ((text[1] | 0x20) == u'h' || (text[1] | 0x20) == u'o'))
+        return finite(prefixedNumber(text), u"Val");
     std::size_t end = 0;
     bool point = false, digits = false, exponent = false;
     for (; end < text.size() && end < 400; ++end) {
@@ -144,10 +164,23 @@ Value val(Arguments a) {
     return 0.0;
 }
 
+Value inBase(const Value& value, const char* format) {
+    char digits[20];
+    // Negative numbers as the 32 bits that they are.
+    std::snprintf(digits, sizeof digits, format, static_cast<std::uint32_t>(wholeOf(value)));
+    return toText(digits);
+}
+Value hexadecimal(Arguments a) {
+    return inBase(a[0], "%" PRIX32);
+}
+Value octal(Arguments a) {
+    return inBase(a[0], "%" PRIo32);
+}
+
 // A blank stands for the sign of numbers that have none.
 Value str(Arguments a) {
     const double number = numberOf(a[0]);
-    return (number < 0 ? u"" : u" ") + textOf(a[0]);
+    return (number < 0 ? u"" : u" ") + shownText(a[0]);
 }
 
 constexpr double largestLong = std::numeric_limits<std::int32_t>::max();
@@ -204,7 +237,16 @@ Value dateNumber(Arguments a) {
     return std::holds_alternative<Text>(a[0]) ? Value(dateFrom(a[0])) : a[0];
 }
 Value text(Arguments a) {
-    return textOf(a[0]);
+    return shownText(a[0]);
+}
+// The seven digits that a single holds.
+Value singleText(Arguments a) {
+    const double number = numberOf(a[0]);
+    char digits[40];
+    std::snprintf(digits, sizeof digits, "%.6e", number);
+    double rounded = number;
+    parseNumber(toText(digits), rounded);
+    return textOf(rounded);
 }
 Value dateText(Arguments a) {
     return textOf(std::holds_alternative<Text>(a[0]) ? a[0] : Value(dateFrom(a[0])));
@@ -227,17 +269,32 @@ Value isDate(Arguments a) {
 
 // ts_convert(value, FieldType, field's name)
 Value convert(Arguments a) {
-    const auto type = std::get_if<std::int32_t>(&a[1]);
-    return convertTo(static_cast<FieldType>(*type), a[0], std::get<Text>(a[2]));
+    const auto type = static_cast<FieldType>(std::get<std::int32_t>(a[1]));
+    const bool toText = type == FieldType::text || type == FieldType::memo;
+    return convertTo(type, toText ? Value(shownText(a[0])) : a[0], std::get<Text>(a[2]));
 }
 
 constexpr Function arithmetic[] = {
-    {"ts_abs", 1, absolute},   {"ts_add", 2, add},       {"ts_atn", 1, arcTangent},
-    {"ts_cos", 1, cosine},     {"ts_divide", 2, divide}, {"ts_exp", 1, exponential},
-    {"ts_fix", 1, fix},        {"ts_int", 1, floorOf},   {"ts_integer_divide", 2, integerDivide},
-    {"ts_log", 1, logarithm},  {"ts_modulo", 2, modulo}, {"ts_power", 2, power},
-    {"ts_round", -1, roundTo}, {"ts_sgn", 1, sign},      {"ts_sin", 1, sine},
-    {"ts_sqr", 1, squareRoot}, {"ts_str", 1, str},       {"ts_tan", 1, tangent},
+    {"ts_abs", 1, absolute},
+    {"ts_add", 2, add},
+    {"ts_atn", 1, arcTangent},
+    {"ts_cos", 1, cosine},
+    {"ts_divide", 2, divide},
+    {"ts_exp", 1, exponential},
+    {"ts_fix", 1, fix},
+    {"ts_hex", 1, hexadecimal},
+    {"ts_oct", 1, octal},
+    {"ts_int", 1, floorOf},
+    {"ts_integer_divide", 2, integerDivide},
+    {"ts_log", 1, logarithm},
+    {"ts_modulo", 2, modulo},
+    {"ts_power", 2, power},
+    {"ts_round", -1, roundTo},
+    {"ts_sgn", 1, sign},
+    {"ts_sin", 1, sine},
+    {"ts_sqr", 1, squareRoot},
+    {"ts_str", 1, str},
+    {"ts_tan", 1, tangent},
     {"ts_val", 1, val},
 };
 
@@ -257,6 +314,7 @@ constexpr Function conversions[] = {
     {"ts_is_numeric", 1, isNumeric, false},
     {"ts_number", 1, number},
     {"ts_number_if", 1, numberIf},
+    {"ts_single_text", 1, singleText},
     {"ts_text", 1, text},
     {"ts_yes_no", 1, yesNo},
 };

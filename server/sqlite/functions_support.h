@@ -44,6 +44,9 @@ void giveOutOfMemory(sqlite3_context* context);
 // Numbers as they are, texts parsed; both throw typeMismatch (3464) naming the value.
 double numberOf(const Value& value);
 Date dateFrom(const Value& value);
+// What & and the functions of texts make of a value. Numbers have the 15 digits that are certain: textOf
+// gives all that tell them apart, which shows the error of 0.1 + 0.2.
+Text shownText(const Value& value);
 // A count or place; at most two thousand million in size, fractions rounded to the even neighbour.
 std::int64_t wholeOf(const Value& value);
 Value wholeOrNumber(double number);

@@ -81,25 +81,25 @@ TextView withoutTrailing(TextView text) {
 }
 
 Value ucase(Arguments a) {
-    return uppered(textOf(a[0]));
+    return uppered(shownText(a[0]));
 }
 Value lcase(Arguments a) {
-    return lowered(textOf(a[0]));
+    return lowered(shownText(a[0]));
 }
 Value len(Arguments a) {
-    return wholeOrNumber(static_cast<double>(textOf(a[0]).size()));
+    return wholeOrNumber(static_cast<double>(shownText(a[0]).size()));
 }
 Value left(Arguments a) {
-    return textOf(a[0]).substr(0, lengthOf(a[1], u"Left"));
+    return shownText(a[0]).substr(0, lengthOf(a[1], u"Left"));
 }
 
 Value right(Arguments a) {
-    const Text text = textOf(a[0]);
+    const Text text = shownText(a[0]);
     return text.substr(text.size() - std::min(text.size(), lengthOf(a[1], u"Right")));
 }
 
 Value mid(Arguments a) {
-    const Text text = textOf(a[0]);
+    const Text text = shownText(a[0]);
     const std::size_t start = startOf(a[1], u"Mid");
     if (start >= text.size())
         return Text();
@@ -107,14 +107,14 @@ Value mid(Arguments a) {
 }
 
 Value trim(Arguments a) {
-    return Text(withoutLeading(withoutTrailing(textOf(a[0]))));
+    return Text(withoutLeading(withoutTrailing(shownText(a[0]))));
 }
 Value ltrim(Arguments a) {
-    const Text text = textOf(a[0]);
+    const Text text = shownText(a[0]);
     return Text(withoutLeading(text));
 }
 Value rtrim(Arguments a) {
-    const Text text = textOf(a[0]);
+    const Text text = shownText(a[0]);
     return Text(withoutTrailing(text));
 }
 
@@ -123,8 +123,8 @@ Value instr(Arguments a) {
     const bool hasStart = a.size() > 2;
     const std::size_t start = hasStart ? startOf(a[0], u"InStr") : 0;
     const bool binary = isBinary(a, 3);
-    const Text text = comparable(textOf(a[hasStart ? 1 : 0]), binary);
-    const Text sought = comparable(textOf(a[hasStart ? 2 : 1]), binary);
+    const Text text = comparable(shownText(a[hasStart ? 1 : 0]), binary);
+    const Text sought = comparable(shownText(a[hasStart ? 2 : 1]), binary);
     if (start >= text.size())
         return 0;
     const std::size_t found = text.find(sought, start);
@@ -134,8 +134,8 @@ Value instr(Arguments a) {
 // InStrRev(text, sought [, start [, compare]]); the start counts from the front, -1 is the end.
 Value instrrev(Arguments a) {
     const bool binary = isBinary(a, 3);
-    const Text text = comparable(textOf(a[0]), binary);
-    const Text sought = comparable(textOf(a[1]), binary);
+    const Text text = comparable(shownText(a[0]), binary);
+    const Text sought = comparable(shownText(a[1]), binary);
     std::size_t end = text.size();
     if (a.size() > 2 && wholeOf(a[2]) != -1)
         end = startOf(a[2], u"InStrRev") + 1;
@@ -148,14 +148,14 @@ Value instrrev(Arguments a) {
 // Replace(text, sought, replacement [, start [, count [, compare]]]); what stands before the start is left
 // out.
 Value replace(Arguments a) {
-    const Text whole = textOf(a[0]);
+    const Text whole = shownText(a[0]);
     const std::size_t start = a.size() > 3 ? startOf(a[3], u"Replace") : 0;
     const std::int64_t most = a.size() > 4 ? wholeOf(a[4]) : -1;
     const bool binary = isBinary(a, 5);
     const Text text = whole.substr(std::min(start, whole.size()));
     const Text searched = comparable(text, binary);
-    const Text sought = comparable(textOf(a[1]), binary);
-    const Text replacement = textOf(a[2]);
+    const Text sought = comparable(shownText(a[1]), binary);
+    const Text replacement = shownText(a[2]);
     if (sought.empty())
         return text;
     Text result;
@@ -188,14 +188,14 @@ Value string(Arguments a) {
 }
 
 Value strcomp(Arguments a) {
-    const Text one = textOf(a[0]);
-    const Text other = textOf(a[1]);
+    const Text one = shownText(a[0]);
+    const Text other = shownText(a[1]);
     const int order = isBinary(a, 2) ? one.compare(other) : compareText(one, other);
     return order < 0 ? -1 : order > 0 ? 1 : 0;
 }
 
 Value strreverse(Arguments a) {
-    Text text = textOf(a[0]);
+    Text text = shownText(a[0]);
     std::ranges::reverse(text);
     return text;
 }
@@ -203,12 +203,12 @@ Value strreverse(Arguments a) {
 Value chr(Arguments a) {
     const std::int64_t unit = wholeOf(a[0]);
     if (unit < 0 || unit > 0xFFFF)
-        raise(ErrorCode::invalidArgument, u"Chr: there is no character " + textOf(a[0]) + u".");
+        raise(ErrorCode::invalidArgument, u"Chr: there is no character " + shownText(a[0]) + u".");
     return Text(1, static_cast<char16_t>(unit));
 }
 
 Value asc(Arguments a) {
-    const Text text = textOf(a[0]);
+    const Text text = shownText(a[0]);
     if (text.empty())
         raise(ErrorCode::invalidArgument, u"Asc: the text is empty.");
     return std::int32_t{text.front()};

@@ -56,9 +56,11 @@ std::optional<Text> findDamage(Connection& connection, Catalog& catalog, Thoroug
             return std::nullopt;
         return inText(u"The database '", connection.path(), u"' is damaged: ", oneLine(*problem), u".");
     } catch (const DatabaseError& error) {
-        if (tellsDamage(error.code()))
+        if (!tellsDamage(error.code()))
+            throw;
+        if (error.code() != ErrorCode::couldNotStart)
             return error.text();
-        throw;
+        return inText(u"The database '", connection.path(), u"' is damaged. ", error.text());
     }
 }
 

@@ -20,6 +20,12 @@ bool isTextFile(const LinkDefinition& link) {
            sameName(TextView(link.file).substr(link.file.size() - extension.size()), extension);
 }
 
+// Also when the paths differ, in case or by a link.
+bool isSameFile(const fs::path& one, const fs::path& other) {
+    std::error_code error;
+    return fs::equivalent(one, other, error);
+}
+
 DatabaseError linkError(const LinkDefinition& link, const DatabaseError& cause) {
     return {cause.code(), inText(u"The linked table '", link.name, u"' cannot be read. ", cause.text())};
 }
@@ -37,7 +43,7 @@ OrderTable LinkedTables::resolve(const LinkDefinition& link) {
     try {
         if (isTextFile(link))
             return resolveTextFile(link, file);
-        AttachedFile& other = attached(link, file);
+        AttachedFile& other = attached(file);
         const TableEntryPtr* entry = other.catalog->definitions().table(link.table);
         if (entry == nullptr)
             throw DatabaseError(ErrorCode::tableNotFound, inText(u"The file '", textOfPath(file),
@@ -57,16 +63,24 @@ OrderTable LinkedTables::resolve(const LinkDefinition& link) {
     }
 }
 
-LinkedTables::AttachedFile& LinkedTables::attached(const LinkDefinition&, const fs::path& file) {
+// A file is attached once: a second time, or beside itself, its own lock would stand in the way of every
+// change.
+LinkedTables::AttachedFile& LinkedTables::attached(const fs::path& file) {
     requireDatabaseFile(textOfPath(file));
     const auto found = attached_.find(file);
     if (found != attached_.end())
         return found->second;
+    if (isSameFile(file, pathOf(connection_.path())))
+        throw DatabaseError(ErrorCode::invalidArgument,
+                            inText(u"The file '", textOfPath(file), u"' is this database itself."));
+    for (const auto& [known, entry] : attached_)
+        if (isSameFile(file, known))
+            return attached_.emplace(file, entry).first->second;
     const std::string schema = "link" + std::to_string(++counter_);
     Prepared attach = connection_.prepare("ATTACH ? AS " + schema);
     attach.bindCopy(1, textOfPath(file));
     attach.run();
-    AttachedFile entry{schema, std::make_unique<Catalog>(connection_, schema)};
+    AttachedFile entry{schema, std::make_shared<Catalog>(connection_, schema)};
     return attached_.emplace(file, std::move(entry)).first->second;
 }
 

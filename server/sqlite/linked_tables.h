@@ -19,7 +19,7 @@ public:
 private:
     struct AttachedFile {
         std::string schema;
-        std::unique_ptr<Catalog> catalog;
+        std::shared_ptr<Catalog> catalog;  // of all paths that lead to the file
     };
     struct TextFile {
         TableEntryPtr entry;
@@ -29,7 +29,7 @@ private:
     };
 
     std::filesystem::path fileOf(const LinkDefinition& link) const;
-    AttachedFile& attached(const LinkDefinition& link, const std::filesystem::path& file);
+    AttachedFile& attached(const std::filesystem::path& file);
     OrderTable resolveTextFile(const LinkDefinition& link, const std::filesystem::path& file);
     void readTextFile(const LinkDefinition& link, const std::filesystem::path& file, TextFile& target);
 

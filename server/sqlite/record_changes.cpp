@@ -17,8 +17,9 @@ SqliteRecordOrder::convertedFields(std::span<const FieldValue> fields) const {
             throw DatabaseError(
                 ErrorCode::itemNotFound,
                 inText(u"The field '", given.field, u"' is not in the table '", table.name, u"'."));
+        Value value = convertTo(field->type, given.value, field->name);
         values[static_cast<std::size_t>(field - table.fields.data())] =
-            convertTo(field->type, given.value, field->name);
+            isNull(value) ? valueForNull(*field) : std::move(value);
     }
     return values;
 }
@@ -61,8 +62,9 @@ Record SqliteRecordOrder::insert(std::span<const FieldValue> fields) {
     const std::vector<std::optional<Value>> given = convertedFields(fields);
     Record record;
     for (std::size_t place = 0; place < definitions.size(); ++place)
-        record.values.push_back(given[place] ? *given[place]
-                                             : definitions[place].defaultValue.value_or(Null{}));
+        record.values.push_back(
+            given[place] ? *given[place]
+                         : definitions[place].defaultValue.value_or(valueForNull(definitions[place])));
     change(ChangeKind::insert, [&] {
         if (!insert_)
             insert_ = connection_->prepare(insertSql(table_.sqliteName, definitions), true);

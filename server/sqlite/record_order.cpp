@@ -52,6 +52,17 @@ void SqliteRecordOrder::checkPrepared(Prepared& statement) {
         requireSameDefinition();
 }
 
+template <class Work>
+auto SqliteRecordOrder::reading(Work work) {
+    const Transaction transaction(*connection_, Transaction::Kind::read);
+    try {
+        return work();
+    } catch (const DatabaseError&) {
+        requireSameDefinition();  // tells better why a table, a column or an index is missing
+        throw;
+    }
+}
+
 Prepared& SqliteRecordOrder::statementOf(Prepared& kept, const std::string& sql) {
     if (!kept) {
         requireSameDefinition();
@@ -130,19 +141,15 @@ std::optional<std::int64_t> SqliteRecordOrder::rowBehind(std::span<const KeyRang
 
 std::optional<Record> SqliteRecordOrder::readOne(std::span<const KeyRange> ranges, const Position& from,
                                                  std::int64_t skip) {
-    std::vector<Record> records;
-    const Transaction transaction(*connection_, Transaction::Kind::read);
-    try {
+    return reading([&]() -> std::optional<Record> {
         if (skip > longestRecordSkip) {
             const std::optional<std::int64_t> row = rowBehind(ranges, from, skip);
             return row ? readRow(*row) : std::nullopt;
         }
+        std::vector<Record> records;
         read(ranges, from, skip, 1, records);
-    } catch (const DatabaseError&) {
-        requireSameDefinition();  // tells better why a column or an index is missing
-        throw;
-    }
-    return records.empty() ? std::nullopt : std::optional(std::move(records.front()));
+        return records.empty() ? std::nullopt : std::optional(std::move(records.front()));
+    });
 }
 
 std::optional<Record> SqliteRecordOrder::first(std::int64_t offset) {
@@ -173,18 +180,14 @@ void SqliteRecordOrder::fillBlock(const Position& position, bool backward) {
     Block block;
     block.backward = backward;
     block.base = position;
-    const Transaction transaction(*connection_, Transaction::Kind::read);
-    block.readAt = std::chrono::steady_clock::now();
-    try {
+    reading([&] {
+        block.readAt = std::chrono::steady_clock::now();
         block.reachedEnd = read(ranges, position, 0, nextBlockSize_, block.records);
-    } catch (const DatabaseError&) {
-        requireSameDefinition();
-        throw;
-    }
-    // The lock is still held, so this counter is that of the records.
-    const std::optional<std::uint32_t> counter = changeCounter(*connection_, table_.schema);
-    block.counter = counter.value_or(0);
-    block.valid = counter.has_value();
+        // The lock is still held, so this counter is that of the records.
+        const std::optional<std::uint32_t> counter = changeCounter(*connection_, table_.schema);
+        block.counter = counter.value_or(0);
+        block.valid = counter.has_value();
+    });
     block_ = std::move(block);
 }
 
@@ -215,8 +218,7 @@ std::optional<Record> SqliteRecordOrder::step(const Position& position, std::int
 std::optional<Record> SqliteRecordOrder::at(const Position& position) {
     if (position.betweenRecords)
         return std::nullopt;
-    const Transaction transaction(*connection_, Transaction::Kind::read);
-    return readRow(position.row);
+    return reading([&] { return readRow(position.row); });
 }
 
 std::optional<Record> SqliteRecordOrder::readRow(std::int64_t row) {
@@ -260,12 +262,13 @@ Position SqliteRecordOrder::positionOf(std::span<const Value> key) {
 }
 
 std::int64_t SqliteRecordOrder::count() {
-    const Transaction transaction(*connection_, Transaction::Kind::read);
-    Prepared& statement = statementOf(count_, "SELECT count(*) FROM " + table_.sqliteName);
-    const ResetLater resetLater(statement);
-    statement.step();
-    checkPrepared(statement);
-    return statement.integer(0);
+    return reading([&] {
+        Prepared& statement = statementOf(count_, "SELECT count(*) FROM " + table_.sqliteName);
+        const ResetLater resetLater(statement);
+        statement.step();
+        checkPrepared(statement);
+        return statement.integer(0);
+    });
 }
 
 }  // namespace tessary::server

@@ -45,6 +45,9 @@ private:
     Prepared& statementOf(Prepared& kept, const std::string& sql);
     void requireSameDefinition();
     void checkPrepared(Prepared& statement);
+    // Runs the work in a read transaction of its own.
+    template <class Work>
+    auto reading(Work work);
 
     // Leaves out `skip` records, then takes up to `most`; true when the order ended before that.
     bool read(std::span<const KeyRange> ranges, const Position& from, std::int64_t skip, std::size_t most,

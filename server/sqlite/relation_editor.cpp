@@ -48,6 +48,9 @@ const FieldDefinition& relationField(const TableDefinition& table, TextView name
 RelationDefinition checkedRelation(RelationDefinition relation, const TableDefinition& parent,
                                    const TableDefinition& child) {
     checkName(relation.name);
+    if (relation.fields.empty() && parent.primaryIndex() != nullptr)
+        for (const IndexField& field : parent.primaryIndex()->fields)
+            relation.fields.push_back(field.name);
     if (relation.fields.empty() || relation.fields.size() != relation.foreignFields.size())
         throw DatabaseError(ErrorCode::syntaxInDefinition,
                             inText(u"The relation '", relation.name,

@@ -18,6 +18,10 @@ namespace tessary::server {
 
 namespace {
 
+// In the scratch file, the table of what lies on pages that no table leads to; there is none when there are
+// no such pages. The recovery puts a number behind the name when a table has it already.
+constexpr const char* orphans = "tessary_orphans";
+
 int registerOnOpen(sqlite3* connection, const char**, const void*) {
     try {
         registerFunctions(connection);
@@ -41,6 +45,7 @@ void recoverInto(Connection& source, const TemporaryFile& scratch) {
     sqlite3_recover* recover = sqlite3_recover_init(source.handle(), "main", toUtf8(scratch.text()).c_str());
     if (recover == nullptr)
         throw DatabaseError(ErrorCode::couldNotStart, u"Not enough memory to repair the database.");
+    sqlite3_recover_config(recover, SQLITE_RECOVER_LOST_AND_FOUND, const_cast<char*>(orphans));
     const int result = sqlite3_recover_run(recover);
     const char* message = sqlite3_recover_errmsg(recover);
     const Text text = message == nullptr ? Text() : toText(message);
@@ -122,6 +127,8 @@ public:
 
 private:
     void readDefinitions();
+    std::optional<Text> tableOfOrphans();
+    void takeOrphans();
     void copyTable(const TableDefinition& definition, const TableEntry* known);
     void keepSequence(TextView table);
     void report(TextView table, std::int64_t read, const TableEntry* known);
@@ -149,12 +156,41 @@ private:
 
 void Salvage::readDefinitions() {
     Catalog damaged(target_, "damaged");
+    const std::string tables = "SELECT count(*) FROM damaged.sqlite_schema WHERE type='table'";
+    const std::int64_t found = target_.number(tables);
     damaged.createTables();
+    bool complete = target_.number(tables) == found;
     try {
         known_ = damaged.definitions();
     } catch (const DatabaseError&) {
-        report_ += u"The definitions could not be read; fields have the types that their values have. ";
+        complete = false;
     }
+    for (const Text& table : tablesOf(target_))
+        complete = complete && known_.table(table) != nullptr;
+    if (!complete)
+        report_ +=
+            u"Not all definitions could be read; fields without one have the types that their values have. ";
+}
+
+// Its columns tell the table of the orphans from one of ours with such a name.
+std::optional<Text> Salvage::tableOfOrphans() {
+    Prepared table = target_.prepare(
+        "SELECT s.name FROM damaged.sqlite_schema AS s WHERE s.type='table' AND s.name LIKE ? "
+        "AND s.sql LIKE '%(rootpgno INTEGER, pgno INTEGER, nfield INTEGER, id INTEGER%'");
+    table.bindCopy(1, toText(std::string(orphans) + "%"));
+    return table.step() ? std::optional(table.text(0)) : std::nullopt;
+}
+
+// The table goes, so that it is not taken for one of the drafter's. Entries of indexes have no number.
+void Salvage::takeOrphans() {
+    const std::optional<Text> table = tableOfOrphans();
+    if (!table)
+        return;
+    const std::int64_t count = target_.number("SELECT count(id) FROM damaged." + quotedName(*table));
+    target_.execute("DROP TABLE damaged." + quotedName(*table));
+    if (count > 0)
+        report_ +=
+            inText(numberText(count), u" records were found whose table is not known, and were left out. ");
 }
 
 void Salvage::report(TextView table, std::int64_t read, const TableEntry* known) {
@@ -204,6 +240,7 @@ void Salvage::keepSequence(TextView table) {
 }
 
 Text Salvage::run() {
+    takeOrphans();
     readDefinitions();
     SchemaChange change(target_, catalog_);
     for (const Text& table : tablesOf(target_)) {

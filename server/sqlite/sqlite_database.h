@@ -40,6 +40,8 @@ public:
                      RowSink* sink) override;
     std::int64_t runQuery(TextView name, std::span<const Value> parameters, RowSink* sink) override;
 
+    void interrupt() override { sqlite3_interrupt(core_->connection.handle()); }
+
     // For tests: other users' locks are waited for this long.
     void setPatience(std::chrono::milliseconds patience) { core_->connection.setPatience(patience); }
 

@@ -83,7 +83,8 @@ DatabaseError constraintError(sqlite3* connection, const Text& message) {
 
 DatabaseError lockedError(const Text& file) {
     const Text computer = writingComputer(file);
-    const Text user = computer.empty() ? Text(u"another user") : inText(u"the user of the computer ", computer);
+    const Text user =
+        computer.empty() ? Text(u"another user") : inText(u"the user of the computer ", computer);
     return {ErrorCode::locked, inText(u"The database '", file, u"' is locked by ", user, u".")};
 }
 
@@ -102,6 +103,7 @@ constexpr ErrorText errorTexts[] = {
     {SQLITE_CANTOPEN, ErrorCode::cannotOpen, u"The database '", u"' cannot be opened."},
     {SQLITE_PERM, ErrorCode::cannotOpen, u"There is no permission to open the database '", u"'."},
     {SQLITE_TOOBIG, ErrorCode::tooComplex, u"A text or statement is too long for the database '", u"'."},
+    {SQLITE_INTERRUPT, ErrorCode::couldNotStart, u"An operation in the database '", u"' was interrupted."},
     {SQLITE_NOMEM, ErrorCode::couldNotStart, u"Not enough memory for the database '", u"'."},
 };
 
@@ -259,9 +261,6 @@ Connection::Connection(TextView path, Access access) : path_(path) {
     // Nothing here may read the file, which can be damaged. That each change waits for the disk is SQLite's
     // default.
     execute("PRAGMA temp_store=MEMORY; PRAGMA cell_size_check=ON;");
-    // 64 MB at most, taken as pages are read: the upper pages of large indexes stay in memory between two calls, so
-    // that a seek in a million records reads little more than one in a thousand.
-    execute("PRAGMA cache_size=-65536");
 }
 
 void Connection::execute(const std::string& sql) {

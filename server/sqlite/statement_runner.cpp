@@ -57,7 +57,8 @@ std::vector<Value> boundValues(const Translation& translation, const sql::Statem
             missing += (missing.empty() ? u"" : u", ") + translation.parameters[place];
         throw DatabaseError(
             ErrorCode::tooFewParameters,
-            inText(u"The statement needs a value for each of its parameters; missing: ", missing, u"."));
+            inText(u"The statement needs a value for each of its parameters; missing, or a misspelt field: ",
+                   missing, u"."));
     }
     std::vector<Value> values(
         parameters.begin(), parameters.begin() + static_cast<std::ptrdiff_t>(translation.parameters.size()));

@@ -57,9 +57,12 @@ std::string autonumberColumn(const FieldDefinition& field) {
 std::string ordinaryColumn(const FieldDefinition& field) {
     const std::string name = quotedName(field.name);
     std::string column = name + " " + declarationOf(field.type);
-    if (field.required)
+    // A yes/no field always has a value: null becomes its default.
+    if (field.type == FieldType::yesNo)
+        column += " NOT NULL ON CONFLICT REPLACE DEFAULT (" + sqlLiteral(valueForNull(field)) + ")";
+    else if (field.required)
         column += " NOT NULL";
-    if (field.defaultValue)
+    if (field.defaultValue && field.type != FieldType::yesNo)
         column += " DEFAULT (" + sqlLiteral(*field.defaultValue) + ")";
     if (field.type == FieldType::text) {
         const int size = field.size > 0 ? field.size : largestTextSize;
@@ -128,6 +131,12 @@ Text physicalIndexName(std::int64_t tableId, TextView index) {
 
 Text physicalRelationIndexName(TextView relation) {
     return u"relation!" + Text(relation);
+}
+
+Value valueForNull(const FieldDefinition& field) {
+    if (field.type != FieldType::yesNo)
+        return Null{};
+    return field.defaultValue.value_or(Value(false));
 }
 
 std::string createTableSql(const TableDefinition& table, const std::string& quotedPhysicalName,

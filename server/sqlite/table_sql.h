@@ -30,6 +30,9 @@ Text physicalIndexName(std::int64_t tableId, TextView index);
 // For the index that finds the rows of the foreign table of a relation.
 Text physicalRelationIndexName(TextView relation);
 
+// What the field holds when it is given null: a yes/no field its default, else no; any other null.
+Value valueForNull(const FieldDefinition& field);
+
 // CREATE TABLE with the given physical name. relations: those whose foreign table it is.
 std::string createTableSql(const TableDefinition& table, const std::string& quotedPhysicalName,
                            std::span<const RelationDefinition> relations);

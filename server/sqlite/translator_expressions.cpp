@@ -140,7 +140,17 @@ std::string balanced(std::span<const std::string> operands, std::string_view ope
            balanced(operands.subspan(half), operation) + ")";
 }
 
+std::string conditionValue(const std::string& condition) {
+    return "(-" + condition + ")";
+}
+
 }  // namespace
+
+// Fields noted since `before` may stand in an expression of GROUP BY.
+void Grouping::settle(const std::string& expression, std::size_t before) {
+    if (std::ranges::find(groups, expression) != groups.end())
+        loose.resize(before);
+}
 
 void Translator::spend(int nodes) {
     nodes_ += nodes;
@@ -149,10 +159,18 @@ void Translator::spend(int nodes) {
 }
 
 Piece Translator::value(const sql::Expression& expression, const Scope& scope) {
+    const std::size_t before = grouping_ ? grouping_->loose.size() : 0;
+    Piece piece = ungroupedValue(expression, scope);
+    if (grouping_)
+        grouping_->settle(piece.sql, before);
+    return piece;
+}
+
+Piece Translator::ungroupedValue(const sql::Expression& expression, const Scope& scope) {
     spend();
     const Replaced deeper(depth_, depth_ + 1);
     if (const std::optional<std::string> own = ownCondition(expression, scope))
-        return {"(-" + *own + ")", typeOf(FieldType::yesNo)};
+        return {conditionValue(*own), typeOf(FieldType::yesNo)};
     const auto& node = expression.node;
     if (const auto* literal = std::get_if<sql::Literal>(&node))
         return literalPiece(literal->value);
@@ -176,8 +194,12 @@ std::string Translator::condition(const sql::Expression& expression, const Scope
     {
         spend();
         const Replaced deeper(depth_, depth_ + 1);
-        if (std::optional<std::string> own = ownCondition(expression, scope))
+        const std::size_t before = grouping_ ? grouping_->loose.size() : 0;
+        if (std::optional<std::string> own = ownCondition(expression, scope)) {
+            if (grouping_)
+                grouping_->settle(conditionValue(*own), before);
             return *own;
+        }
     }
     const Piece given = value(expression, scope);
     return "(" + asNumber(given) + " <> 0)";
@@ -191,9 +213,11 @@ Piece Translator::name(const sql::Name& name, std::size_t offset, const Scope& s
             fail(ErrorCode::syntax,
                  u"The field '" + name.name +
                      u"' of an outer select cannot be used in GROUP BY or beside TOP PERCENT.");
-        if (found.field)
+        if (found.field) {
+            noteUse(*level, found);
             return {found.table->alias + "." + found.field->column, found.field->type, Form::column,
                     found.field->collated, nullptr};
+        }
         closed = closed || level == closed_;
     }
     bool isAlias = false;
@@ -201,6 +225,20 @@ Piece Translator::name(const sql::Name& name, std::size_t offset, const Scope& s
         return piece;
     return parameters_.use(frame_, name.qualifier.empty() ? name.name : name.qualifier + u"." + name.name,
                            offset);
+}
+
+void Translator::noteUse(const Scope& level, const FoundField& found) {
+    for (Grouping* grouping = grouping_; grouping; grouping = grouping->outer) {
+        if (grouping->scope == &level)
+            grouping->loose.push_back(found.field->name);
+    }
+    // Selects inside the argument of an aggregate have scopes of their own, which are neither.
+    bool outside = false;
+    for (const Scope* scope = home_; scope; scope = scope->outer) {
+        usesHome_ = usesHome_ || (scope == &level && !outside);
+        usesOuter_ = usesOuter_ || (scope == &level && outside);
+        outside = true;
+    }
 }
 
 Piece Translator::alias(const sql::Name& name, const Scope& scope, bool& found) {
@@ -317,6 +355,8 @@ std::optional<std::string> Translator::ownCondition(const sql::Expression& expre
         return negatedIf(list->negated, inList(*list, scope));
     if (const auto* set = std::get_if<sql::InSelect>(&node))
         return negatedIf(set->negated, inSelect(*set, scope));
+    if (const auto* set = std::get_if<sql::Quantified>(&node))
+        return quantified(*set, scope);
     if (const auto* exists = std::get_if<sql::Exists>(&node))
         return "(EXISTS (" + select(*exists->select, &scope).sql + "))";
     return {};
@@ -368,6 +408,26 @@ std::string Translator::inSelect(const sql::InSelect& node, const Scope& scope) 
         fail(ErrorCode::syntax, u"A subquery in IN gives one field, not " +
                                     textOf(static_cast<double>(set.fields.size())) + u".");
     return "(" + withCollation(left) + " IN (" + set.sql + "))";
+}
+
+// Null when no value decides and a comparison with one is null.
+std::string Translator::quantified(const sql::Quantified& node, const Scope& scope) {
+    Piece left;
+    {
+        const Replaced none(aggregates_, false);
+        left = value(*node.value, scope);
+    }
+    const TranslatedSelect set = select(*node.select, &scope);
+    if (set.fields.size() != 1)
+        fail(ErrorCode::syntax, u"A subquery behind ALL, ANY or SOME gives one field, not " +
+                                    textOf(static_cast<double>(set.fields.size())) + u".");
+    Piece right{"c1", set.fields[0].type};
+    adapt(left, right);
+    const std::string each =
+        compared(left, right) + std::string(comparisons().at(node.operation)) + right.sql;
+    const std::string decision = node.all ? "WHEN min(k) = 0 THEN 0 WHEN count(k) = count(*) THEN 1"
+                                          : "WHEN max(k) = 1 THEN 1 WHEN count(k) = count(*) THEN 0";
+    return "(SELECT CASE " + decision + " END FROM (SELECT " + each + " AS k FROM (" + set.sql + ")))";
 }
 
 Piece Translator::subquery(const sql::Select& node, const Scope& scope) {

@@ -8,7 +8,8 @@ namespace tessary::server::translation {
 
 namespace {
 
-enum class Result { unknown, yesNo, whole, number, date, text, sameNumber };
+// sameNumber: whole for whole numbers; wholePart: also a date for a date.
+enum class Result { unknown, yesNo, whole, number, date, text, sameNumber, wholePart };
 
 Type typeOfResult(Result result, const std::vector<Piece>& arguments) {
     switch (result) {
@@ -17,7 +18,13 @@ Type typeOfResult(Result result, const std::vector<Piece>& arguments) {
         case Result::number: return typeOf(FieldType::number);
         case Result::date: return typeOf(FieldType::dateTime);
         case Result::text: return typeOf(FieldType::text);
+        case Result::wholePart:
+            if (arguments[0].type.kind == Kind::date)
+                return typeOf(FieldType::dateTime);
+            [[fallthrough]];
         case Result::sameNumber:
+            if (arguments[0].type.kind == Kind::yesNo)
+                return typeOf(FieldType::longInteger);
             return arguments[0].type.kind == Kind::whole ? arguments[0].type : typeOf(FieldType::number);
         case Result::unknown: break;
     }
@@ -57,22 +64,20 @@ struct AggregateFunction {
 
 struct FunctionForms {
     static Piece iif(Translator& translator, const sql::Call& node, const Scope& scope) {
-        const Piece yes = translator.value(*node.arguments[1], scope);
-        const Piece no = translator.value(*node.arguments[2], scope);
-        return {"(CASE WHEN " + translator.condition(*node.arguments[0], scope) + " THEN " + yes.sql +
-                    " ELSE " + no.sql + " END)",
-                either(yes, no)};
+        std::vector<Piece> values = valuesOf(translator, node, scope, 1, 1);
+        const Type type = madeAlike(values);
+        return {"(CASE WHEN " + translator.condition(*node.arguments[0], scope) + " THEN " + values[0].sql +
+                    " ELSE " + values[1].sql + " END)",
+                type};
     }
 
     // Without a second argument null becomes the empty text, or 0 among numbers.
     static Piece nz(Translator& translator, const sql::Call& node, const Scope& scope) {
-        const Piece given = translator.value(*node.arguments[0], scope);
-        if (node.arguments.size() == 1) {
-            const bool number = !given.type.mayBeText();
-            return {call("coalesce", {given.sql, number ? "0" : "''"}), given.type};
-        }
-        const Piece other = translator.value(*node.arguments[1], scope);
-        return {call("coalesce", {given.sql, other.sql}), either(given, other)};
+        std::vector<Piece> values = valuesOf(translator, node, scope, 0, 1);
+        const Type type = madeAlike(values);
+        if (values.size() == 1)
+            return {call("coalesce", {values[0].sql, type.mayBeText() ? "''" : "0"}), type};
+        return {call("coalesce", {values[0].sql, values[1].sql}), type};
     }
 
     static Piece isNull(Translator& translator, const sql::Call& node, const Scope& scope) {
@@ -83,26 +88,22 @@ struct FunctionForms {
     static Piece switchOf(Translator& translator, const sql::Call& node, const Scope& scope) {
         if (node.arguments.size() % 2 != 0)
             fail(ErrorCode::syntax, u"Switch needs pairs of a condition and a value.");
+        std::vector<Piece> values = valuesOf(translator, node, scope, 1, 2);
+        const Type type = madeAlike(values);
         std::string sql = "(CASE";
-        std::optional<Piece> all;
-        for (std::size_t i = 0; i < node.arguments.size(); i += 2) {
-            const Piece then = translator.value(*node.arguments[i + 1], scope);
-            sql += " WHEN " + translator.condition(*node.arguments[i], scope) + " THEN " + then.sql;
-            merge(all, then);
-        }
-        return {sql + " END)", all->type};
+        for (std::size_t i = 0; i < values.size(); ++i)
+            sql += " WHEN " + translator.condition(*node.arguments[2 * i], scope) + " THEN " + values[i].sql;
+        return {sql + " END)", type};
     }
 
     static Piece choose(Translator& translator, const sql::Call& node, const Scope& scope) {
         const Piece index = translator.value(*node.arguments[0], scope);
+        std::vector<Piece> values = valuesOf(translator, node, scope, 1, 1);
+        const Type type = madeAlike(values);
         std::string sql = "(CASE ts_fix(" + asNumber(index) + ")";
-        std::optional<Piece> all;
-        for (std::size_t i = 1; i < node.arguments.size(); ++i) {
-            const Piece then = translator.value(*node.arguments[i], scope);
-            sql += " WHEN " + std::to_string(i) + " THEN " + then.sql;
-            merge(all, then);
-        }
-        return {sql + " END)", all->type};
+        for (std::size_t i = 0; i < values.size(); ++i)
+            sql += " WHEN " + std::to_string(i + 1) + " THEN " + values[i].sql;
+        return {sql + " END)", type};
     }
 
     static Piece format(Translator& translator, const sql::Call& node, const Scope& scope) {
@@ -148,21 +149,33 @@ struct FunctionForms {
     }
 
 private:
-    // Null has every type.
-    static Type either(const Piece& left, const Piece& right) {
-        const auto isNullLiteral = [](const Piece& piece) {
-            return piece.literal && tessary::server::isNull(*piece.literal);
-        };
-        if (isNullLiteral(left))
-            return right.type;
-        return isNullLiteral(right) ? left.type : merged(left.type, right.type);
+    static std::vector<Piece> valuesOf(Translator& translator, const sql::Call& node, const Scope& scope,
+                                       std::size_t first, std::size_t step) {
+        std::vector<Piece> values;
+        for (std::size_t i = first; i < node.arguments.size(); i += step)
+            values.push_back(translator.value(*node.arguments[i], scope));
+        return values;
     }
 
-    static void merge(std::optional<Piece>& all, const Piece& piece) {
-        if (!all)
-            all = piece;
-        else
-            all = Piece{{}, either(*all, piece)};
+    // The type of them all; null has every type. Dates beside a text become texts, since nothing would tell
+    // them from numbers there.
+    static Type madeAlike(std::vector<Piece>& values) {
+        const auto isKind = [](Kind kind) {
+            return [kind](const Piece& piece) { return piece.type.kind == kind; };
+        };
+        if (std::ranges::any_of(values, isKind(Kind::text))) {
+            for (Piece& piece : values) {
+                if (piece.type.kind == Kind::date)
+                    piece = {asText(piece), typeOf(FieldType::text)};
+            }
+        }
+        std::optional<Type> all;
+        for (const Piece& piece : values) {
+            const bool null = piece.literal && tessary::server::isNull(*piece.literal);
+            if (!null)
+                all = all ? merged(*all, piece.type) : piece.type;
+        }
+        return all.value_or(Type{});
     }
 };
 
@@ -195,13 +208,14 @@ const std::map<TextView, ScalarFunction>& scalarFunctions() {
         {u"datevalue", {1, 1, "a", Result::date, "ts_datevalue"}},
         {u"day", {1, 1, "a", Result::whole, "ts_day"}},
         {u"exp", {1, 1, "n", Result::number, "ts_exp"}},
-        {u"fix", {1, 1, "n", Result::sameNumber, "ts_fix"}},
+        {u"fix", {1, 1, "n", Result::wholePart, "ts_fix"}},
         {u"format", {1, 2, "", Result::text, nullptr, FunctionForms::format}},
+        {u"hex", {1, 1, "n", Result::text, "ts_hex"}},
         {u"hour", {1, 1, "a", Result::whole, "ts_hour"}},
         {u"iif", {3, 3, "", Result::unknown, nullptr, FunctionForms::iif}},
         {u"instr", {2, 4, "a", Result::whole, "ts_instr"}},
         {u"instrrev", {2, 4, "ttnn", Result::whole, "ts_instrrev"}},
-        {u"int", {1, 1, "n", Result::sameNumber, "ts_int"}},
+        {u"int", {1, 1, "n", Result::wholePart, "ts_int"}},
         {u"isdate", {1, 1, "", Result::yesNo, nullptr, FunctionForms::isDate}},
         {u"isnull", {1, 1, "", Result::yesNo, nullptr, FunctionForms::isNull}},
         {u"isnumeric", {1, 1, "", Result::yesNo, nullptr, FunctionForms::isNumeric}},
@@ -213,8 +227,10 @@ const std::map<TextView, ScalarFunction>& scalarFunctions() {
         {u"mid", {2, 3, "tnn", Result::text, "ts_mid"}},
         {u"minute", {1, 1, "a", Result::whole, "ts_minute"}},
         {u"month", {1, 1, "a", Result::whole, "ts_month"}},
+        {u"monthname", {1, 2, "nn", Result::text, "ts_monthname"}},
         {u"now", {0, 0, "", Result::date, nullptr, FunctionForms::now}},
         {u"nz", {1, 2, "", Result::unknown, nullptr, FunctionForms::nz}},
+        {u"oct", {1, 1, "n", Result::text, "ts_oct"}},
         {u"replace", {3, 6, "tttnnn", Result::text, "ts_replace"}},
         {u"right", {2, 2, "tn", Result::text, "ts_right"}},
         {u"rnd", {0, 1, "", Result::number, nullptr, FunctionForms::random}},
@@ -238,6 +254,7 @@ const std::map<TextView, ScalarFunction>& scalarFunctions() {
         {u"ucase", {1, 1, "t", Result::text, "ts_ucase"}},
         {u"val", {1, 1, "t", Result::number, "ts_val"}},
         {u"weekday", {1, 2, "an", Result::whole, "ts_weekday"}},
+        {u"weekdayname", {1, 3, "nnn", Result::text, "ts_weekdayname"}},
         {u"year", {1, 1, "a", Result::whole, "ts_year"}},
     };
     return functions;
@@ -300,19 +317,44 @@ Piece Translator::functionCall(const sql::Call& node, const Scope& scope) {
             typeOfResult(function.result, pieces)};
 }
 
+// SQLite gives an aggregate over fields of an outer select alone to that select. A field of the own select
+// that changes nothing keeps it here.
+std::string Translator::aggregated(const AggregateFunction& function, const sql::Call& node,
+                                   const Scope& scope, Piece& given) {
+    const Replaced none(aggregates_, false);
+    const Replaced<Grouping*> apart(grouping_, nullptr);
+    const Replaced<const Scope*> home(home_, &scope);
+    const Replaced<bool> noneOutside(usesOuter_, false);
+    const Replaced<bool> noneInside(usesHome_, false);
+    given = value(*node.arguments[0], scope);
+    const std::string argument = function.ofNumbers ? asNumber(given) : withCollation(given);
+    if (!usesOuter_ || usesHome_)
+        return argument;
+    if (scope.tables.empty())
+        fail(ErrorCode::syntax,
+             u"The aggregate function '" + node.function + u"' needs a FROM clause in its own select.");
+    const SourceTable& table = scope.tables.front();
+    return "iif(typeof(" + table.alias + "." + table.fields.front().column + ") = '', " + argument + ", " +
+           argument + ")";
+}
+
 Piece Translator::aggregate(const AggregateFunction& function, const sql::Call& node, const Scope& scope) {
     if (!aggregates_)
-        fail(ErrorCode::syntax,
-             u"The aggregate function '" + node.function +
-                 u"' cannot be used in WHERE, ON, GROUP BY, in assignments or inside another one.");
-    if (node.star && function.result == AggregateResult::count && node.arguments.empty())
+        fail(ErrorCode::syntax, u"The aggregate function '" + node.function +
+                                    u"' cannot be used in WHERE, ON, GROUP BY, in assignments, inside "
+                                    u"another one, or with ALL, ANY or SOME.");
+    if (node.star && function.result == AggregateResult::count && node.arguments.empty()) {
+        if (grouping_ && grouping_->scope == &scope)
+            grouping_->aggregates = true;
         return {"count(*)", typeOf(FieldType::longInteger)};
+    }
     if (node.star || node.arguments.size() != 1)
         fail(ErrorCode::syntax, u"Wrong number of arguments (" + countText(node.arguments.size()) +
                                     u") used with function '" + node.function + u"'.");
-    const Replaced none(aggregates_, false);
-    const Piece given = value(*node.arguments[0], scope);
-    const std::string argument = function.ofNumbers ? asNumber(given) : withCollation(given);
+    if (grouping_ && grouping_->scope == &scope)
+        grouping_->aggregates = true;
+    Piece given;
+    const std::string argument = aggregated(function, node, scope, given);
     const std::string sql =
         std::string(function.sqlite) + "(" + (node.distinct ? "DISTINCT " : "") + argument + ")";
     switch (function.result) {

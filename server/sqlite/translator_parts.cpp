@@ -163,6 +163,8 @@ std::string withCollation(const Piece& piece) {
 }
 
 std::string asText(const Piece& piece) {
+    if (piece.type.field == FieldType::single)
+        return call("ts_single_text", {piece.sql});
     switch (piece.type.kind) {
         case Kind::text: return piece.sql;
         case Kind::date: return call("ts_date_text", {piece.sql});
@@ -180,7 +182,7 @@ std::string converted(const Piece& piece, FieldType target, TextView field) {
     if (fits(piece.type, target))
         return piece.sql;
     const bool text = target == FieldType::text || target == FieldType::memo;
-    if (text && piece.type.kind == Kind::date)
+    if (text && (piece.type.kind == Kind::date || piece.type.field == FieldType::single))
         return asText(piece);
     return call("ts_convert", {piece.sql, std::to_string(static_cast<int>(target)), textSql(field)});
 }

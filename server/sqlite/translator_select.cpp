@@ -73,13 +73,22 @@ TranslatedSelect Translator::single(const sql::Select& select, const Scope* oute
     const std::string where = filter(select.where, scope);
     scope.aliases = &select;
 
+    Grouping grouping{&scope, grouping_, {}, {}, false};
+    const Replaced grouped(grouping_, &grouping);
+    const std::vector<std::string> terms = groups(select, scope);
     TranslatedSelect result;
     std::vector<std::string> columns;
     items(select, scope, columns, result.fields);
     result.sql = std::string("SELECT ") + (select.distinct ? "DISTINCT " : "") + joined(columns, ", ") +
-                 from + where + grouping(select, scope);
+                 from + where + (terms.empty() ? "" : " GROUP BY " + joined(terms, ", "));
+    if (select.having)
+        result.sql += " HAVING " + condition(*select.having, scope);
     if (select.unions.empty())
         result.sql += order(select, scope, columns.size());
+    if (!grouping.loose.empty() && (!terms.empty() || grouping.aggregates))
+        fail(ErrorCode::notGrouped, u"The field '" + grouping.loose.front() +
+                                        u"' stands neither in GROUP BY nor in an aggregate function such as "
+                                        u"Count, Sum or First.");
     result.sql = limited(std::move(result.sql), select);
     qualifyEqualNames(result.fields);
     return result;
@@ -115,10 +124,13 @@ void Translator::items(const sql::Select& select, const Scope& scope, std::vecto
         for (const SourceTable& table : scope.tables) {
             if (!item.qualifier.empty() && !sameName(table.name, item.qualifier))
                 continue;
-            for (const SourceField& field : table.fields)
-                add(withCollation({table.alias + "." + field.column, field.type, Form::column, field.collated,
-                                   nullptr}),
+            for (const SourceField& field : table.fields) {
+                const std::string column = table.alias + "." + field.column;
+                grouping_->loose.push_back(field.name);
+                grouping_->settle(column, grouping_->loose.size() - 1);
+                add(withCollation({column, field.type, Form::column, field.collated, nullptr}),
                     {field.name, field.type, true, table.name});
+            }
         }
     }
 }
@@ -130,20 +142,18 @@ std::string Translator::filter(const sql::ExpressionPtr& where, const Scope& sco
     return " WHERE " + condition(*where, scope);
 }
 
-std::string Translator::grouping(const sql::Select& select, const Scope& scope) {
-    std::string sql;
-    std::vector<std::string> groups;
+// The terms of GROUP BY.
+std::vector<std::string> Translator::groups(const sql::Select& select, const Scope& scope) {
+    std::vector<std::string> terms;
+    const Replaced none(aggregates_, false);
+    const Replaced closed(closed_, &scope);
     for (const sql::ExpressionPtr& expression : select.groupBy) {
-        const Replaced none(aggregates_, false);
-        const Replaced closed(closed_, &scope);
         const Piece piece = value(*expression, scope);
-        groups.push_back(ordering(piece));
+        terms.push_back(ordering(piece));
+        grouping_->groups.push_back(piece.sql);
     }
-    if (!groups.empty())
-        sql = " GROUP BY " + joined(groups, ", ");
-    if (select.having)
-        sql += " HAVING " + condition(*select.having, scope);
-    return sql;
+    grouping_->loose.clear();
+    return terms;
 }
 
 std::string Translator::order(const sql::Select& select, const Scope& scope, std::size_t columns) {

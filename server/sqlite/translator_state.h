@@ -23,6 +23,17 @@ struct TranslatedSelect {
 
 struct AggregateFunction;
 
+// A select whose fields must stand in GROUP BY or in aggregates, if it has either.
+struct Grouping {
+    const Scope* scope = nullptr;
+    Grouping* outer = nullptr;        // of the select around it
+    std::vector<std::string> groups;  // the expressions of GROUP BY
+    std::vector<Text> loose;          // fields used outside of aggregates and of expressions of GROUP BY
+    bool aggregates = false;          // there is one
+
+    void settle(const std::string& expression, std::size_t before);
+};
+
 class Translator {
 public:
     Translator(const SchemaView& schema, std::span<const sql::ParameterDeclaration> parameters);
@@ -39,8 +50,10 @@ private:
 
     // Expressions: as a value, where comparisons give -1 and 0, and as a condition for WHERE, ON, CASE.
     Piece value(const sql::Expression& expression, const Scope& scope);
+    Piece ungroupedValue(const sql::Expression& expression, const Scope& scope);
     std::string condition(const sql::Expression& expression, const Scope& scope);
     Piece name(const sql::Name& name, std::size_t offset, const Scope& scope);
+    void noteUse(const Scope& level, const FoundField& found);
     Piece alias(const sql::Name& name, const Scope& scope, bool& found);
     Piece unary(const sql::Unary& node, const Scope& scope);
     Piece arithmetic(const sql::Binary& node, const Scope& scope);
@@ -53,16 +66,19 @@ private:
     std::string between(const sql::Between& node, const Scope& scope);
     std::string inList(const sql::InList& node, const Scope& scope);
     std::string inSelect(const sql::InSelect& node, const Scope& scope);
+    std::string quantified(const sql::Quantified& node, const Scope& scope);
     Piece subquery(const sql::Select& node, const Scope& scope);
     Piece functionCall(const sql::Call& node, const Scope& scope);
     Piece aggregate(const AggregateFunction& function, const sql::Call& node, const Scope& scope);
+    std::string aggregated(const AggregateFunction& function, const sql::Call& node, const Scope& scope,
+                           Piece& given);
 
     // Selects.
     TranslatedSelect single(const sql::Select& select, const Scope* outer);
     TranslatedSelect unionOf(const sql::Select& select, const Scope* outer);
     std::string unionOrder(const sql::Select& select, const std::vector<ResultField>& fields);
     std::string order(const sql::Select& select, const Scope& scope, std::size_t columns);
-    std::string grouping(const sql::Select& select, const Scope& scope);
+    std::vector<std::string> groups(const sql::Select& select, const Scope& scope);
     std::string filter(const sql::ExpressionPtr& where, const Scope& scope);
     void items(const sql::Select& select, const Scope& scope, std::vector<std::string>& columns,
                std::vector<ResultField>& fields);
@@ -93,6 +109,10 @@ private:
     int depth_ = 0;
     int nodes_ = 0;
     bool aggregates_ = false;        // are allowed here
+    Grouping* grouping_ = nullptr;   // of the innermost select that is being translated; null: none
+    const Scope* home_ = nullptr;    // of the aggregate that is being translated; null: none
+    bool usesHome_ = false;          // its argument uses a field of that scope,
+    bool usesOuter_ = false;         // of one around it
     const Scope* closed_ = nullptr;  // the scope beyond which SQLite lets no name refer here; null: none
 };
 

@@ -28,6 +28,7 @@ enum class ErrorCode : int {
     syntax = 3075,
     tableNotFound = 3078,
     unknownFunction = 3085,
+    notGrouped = 3122,       // a field beside aggregates that is not in GROUP BY
     divisionByZero = 3058,  // and other results that are no number
     fieldTooSmall = 3163,
     recordDeleted = 3167,

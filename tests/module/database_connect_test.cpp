@@ -128,6 +128,19 @@ TEST_F(ConnectTest, noServerGivesNilEverywhere) {
     EXPECT_TRUE(server.allCalls().empty());
 }
 
+// The first object that the module asks for is the service, when it is loaded.
+TEST_F(ConnectTest, serverThatIsJustEndingIsAskedForOnceMore) {
+    server.failCall("CreateInstance", REGDB_E_CLASSNOTREG);
+    runLisp({"T"});
+    EXPECT_EQ("S.Start", server.allCalls().front());
+}
+
+TEST_F(ConnectTest, serverThatRefusesIsAskedOnce) {
+    server.failCall("CreateInstance", E_ACCESSDENIED);
+    runLisp({"T"});
+    EXPECT_TRUE(server.allCalls().empty());
+}
+
 TEST_F(ConnectTest, closedDatabaseIsStillAsked) {
     EXPECT_EQ((Lines{"nil", "\nTessary Error: No database.nil"}), [&] {
         server.when("1.CurrentIndex", [&] { server.setError(3420, L"No database."); });
@@ -172,6 +185,15 @@ TEST_F(ConnectTest, serviceThatRefusesTheModuleStopsItsLoading) {
 
     EXPECT_TRUE(runLisp({"(ts_mdb)"}, {}, 1).empty());
 
+    EXPECT_EQ(0, server.objectCount());
+}
+
+TEST_F(ConnectTest, serviceThatCannotBeStoppedIsReleasedAllTheSame) {
+    server.failCall("Stop", RPC_E_DISCONNECTED);
+
+    EXPECT_EQ((Lines{"T", "\"C:/windows/win.ini\""}), runLisp({connect, "(ts_mdb)"}));
+
+    EXPECT_EQ("S.Stop", server.allCalls().back());
     EXPECT_EQ(0, server.objectCount());
 }
 

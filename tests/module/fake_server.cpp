@@ -346,6 +346,9 @@ public:
         if (server_.refusesObjects_) {
             return E_OUTOFMEMORY;
         }
+        if (const HRESULT failure = server_.takeFailure("CreateInstance"); FAILED(failure)) {
+            return failure;
+        }
         if (makesConnections_) {
             return ComPointer<IUnknown>(new FakeConnection(server_))->QueryInterface(id, object);
         }

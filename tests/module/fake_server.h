@@ -39,7 +39,7 @@ public:
     void when(const std::string& call, std::function<void()> reaction) {
         reactions_[call] = std::move(reaction);
     }
-    // The next call fails altogether.
+    // The next call fails altogether; CreateInstance is that of an object.
     void failCall(const std::string& method, HRESULT result) { failures_[method] = result; }
 
     // All calls of all connections that there are fail from now on, as when their process has died.

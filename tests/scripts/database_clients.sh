@@ -70,8 +70,10 @@ Set connection = CreateObject("Tessary.DatabaseConnection")
 WScript.Echo "version " & connection.Version
 SCRIPT
 
+# Its output goes to a file: a pipe would stay open as long as the server.
 short_client() {
-    "$TESSARY_WINE" cscript.exe //nologo "$folder\\short.vbs" </dev/null 2>&1 | grep -q 'version 1'
+    "$TESSARY_WINE" cscript.exe //nologo "$folder\\short.vbs" </dev/null >short.txt 2>&1
+    grep -q 'version 1' short.txt
 }
 
 if [ "${TESSARY_SERVER:-local}" = inproc ]; then
@@ -98,8 +100,8 @@ client=
 within 5 deleted || fail 'the database of a dead client stays open'
 within 20 no_server || fail 'the server of a dead client does not end'
 
-# Activations around the moment at which the server ends.
-for delay in 5.6 5.8 5.9 6.0 6.1 6.2 6.4; do
+# Activations around the moment at which the server withdraws its classes.
+for delay in 4.7 4.9 5.1; do
     short_client || fail "no service $delay seconds after the last"
     sleep $delay
 done

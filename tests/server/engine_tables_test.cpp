@@ -246,7 +246,7 @@ TEST_F(EngineTables, StatementsOfAllKindsRun) {
     EXPECT_EQ(run(u"INSERT INTO T (s, b, d, x) VALUES ('one', True, #7/4/2010#, 1)"), 1);
     EXPECT_EQ(run(u"INSERT INTO T (s) SELECT s & '!' FROM T"), 1);
     EXPECT_EQ(rows(u"SELECT * FROM T WHERE s LIKE 'ONE*'"),
-              "id s b d x | 1 'one' yes d40363.00 n1.00| 2 'one!' - - -");
+              "id s b d x | 1 'one' yes d40363.00 n1.00| 2 'one!' no - -");
     EXPECT_EQ(run(u"UPDATE T SET x = [new] WHERE id = 2", {5}), 1);
     Text text;
     EXPECT_EQ(errorOf([&] { run(u"UPDATE T SET x = [new] WHERE id = 2"); }, &text), 3061);
@@ -279,6 +279,19 @@ TEST_F(EngineTables, StatementsOfAllKindsRun) {
     EXPECT_EQ(errorOf([&] { run(u"UPDATE T SET id = 50 WHERE id = 2"); }), 3027);
     run(u"ALTER TABLE C DROP CONSTRAINT CT");
     EXPECT_EQ(run(u"INSERT INTO C VALUES (5)"), 1);
+    run(u"CREATE TABLE F (x SINGLE, s TEXT(20), b YESNO)");
+    run(u"INSERT INTO F (x, b) VALUES (0.1, Yes), (16777216, No)");
+    run(u"UPDATE F SET s = x");
+    EXPECT_EQ(rows(u"SELECT s, x & '' AS t, Abs(b) AS a FROM F"),
+              "s t a | '0.1' '0.1' 1| '16777220' '16777220' 0");
+    // Without fields the primary key is meant.
+    run(u"CREATE TABLE K (a LONG, b LONG, CONSTRAINT pk PRIMARY KEY (b, a))");
+    run(u"CREATE TABLE L (x LONG, y LONG, CONSTRAINT LK FOREIGN KEY (x, y) REFERENCES K)");
+    run(u"INSERT INTO K VALUES (1, 2)");
+    EXPECT_EQ(run(u"INSERT INTO L VALUES (2, 1)"), 1);
+    EXPECT_EQ(errorOf([&] { run(u"INSERT INTO L VALUES (1, 2)"); }), 3201);
+    EXPECT_EQ(errorOf([&] { run(u"CREATE TABLE M (x LONG REFERENCES L)"); }), 3290);
+    EXPECT_EQ(errorOf([&] { run(u"CREATE TABLE M (x LONG REFERENCES K)"); }), 3290);
     // All of a statement or nothing: the second relation cannot be made.
     EXPECT_EQ(errorOf([&] { run(u"CREATE TABLE D (a LONG REFERENCES T (id), b TEXT REFERENCES T (s))"); }),
               3609);
@@ -298,6 +311,20 @@ TEST_F(EngineTables, TableGetsItsFieldsLater) {
     change.field = {u"Size", FieldType::longInteger, 0, false, false, Value{7}};
     database->modifyTable(u"Parts", {{change}});
     EXPECT_EQ(run(u"SELECT * FROM Parts WHERE Size = 7"), 1);
+}
+
+TEST_F(EngineTables, YesNoFieldAlwaysHasAValue) {
+    run(u"CREATE TABLE Door (s TEXT(10), bOpen YESNO, bFire YESNO DEFAULT Yes)");
+    EXPECT_EQ(order(u"Door")->insert({{{u"s", Text(u"a")}}}).values,
+              (std::vector<Value>{Text(u"a"), false, true}));
+    EXPECT_EQ(order(u"Door")->insert({{{u"bOpen", Null{}}}}).values,
+              (std::vector<Value>{Null{}, false, true}));
+    run(u"INSERT INTO Door (s) VALUES ('b')");
+    run(u"INSERT INTO Door VALUES ('c', Null, Null)");
+    run(u"UPDATE Door SET bOpen = Null WHERE s = 'a'");
+    EXPECT_EQ(run(u"SELECT * FROM Door WHERE NOT bOpen AND bFire"), 4);
+    run(u"ALTER TABLE Door ADD bGlass YESNO");
+    EXPECT_EQ(run(u"SELECT * FROM Door WHERE bGlass = False"), 4);
 }
 
 }  // namespace

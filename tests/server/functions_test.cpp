@@ -47,6 +47,8 @@ TEST_F(FunctionsTest, CharactersAndCase) {
 }
 
 TEST_F(FunctionsTest, Numbers) {
+    EXPECT_EQ(value("Val('&HFF'), Val('&o17x'), Val('&Hxyz'), Val('&'), Hex(255), Hex(-1), Oct(8.4)"),
+              "255 15 0 0 'FF' 'FFFFFFFF' '10'");
     EXPECT_EQ(value("Abs(-3), Abs(-2.5), Sgn(-2), Sgn(0), Int(-2.5), Fix(-2.5), Int(3)"),
               "3 2.5 -1 0 -3 -2 3");
     EXPECT_EQ(value("Round(0.5), Round(1.5), Round(2.345, 2), Round(-2.5), Round(1E300, 5), Round(7, 2)"),
@@ -61,6 +63,13 @@ TEST_F(FunctionsTest, Numbers) {
 }
 
 TEST_F(FunctionsTest, Conversions) {
+    EXPECT_EQ(run("SELECT Abs(bPlot), Int(tMade), Fix(tMade), Int(dWidth) FROM tblLayer WHERE iColor = 2"),
+              "0 #7/5/2010# #7/5/2010# 1");
+    // Texts of numbers show the digits that are certain.
+    EXPECT_EQ(
+        value(
+            "0.1 + 0.2 & '', CStr(1 / 3), Len(0.7 + 0.1), Left(100 * 1.1, 9), 1E300 & '', 123456789012 & ''"),
+        "'0.3' '0.333333333333333' 3 '110' '1E+300' '123456789012'");
     EXPECT_EQ(value("CInt('2.5'), CInt(3.5), CLng(-2.5), CDbl('1e3'), CSng(0.1), CCur(1.23456), CBool(5), "
                     "CBool('False'), CByte(255)"),
               "2 4 -2 1000 0.10000000149011612 1.2346 yes no 255");
@@ -80,6 +89,10 @@ TEST_F(FunctionsTest, Conversions) {
 }
 
 TEST_F(FunctionsTest, Choices) {
+    EXPECT_EQ(value("Nz(Null, #7/4/2010#), Nz(#7/4/2010#, 'none'), IIf(True, #7/4/2010#, 'none'), "
+                    "Switch(False, 'a', True, "
+                    "#7/4/2010#), Choose(2, 'a', #7/4/2010#), Nz(Null, 'x') & Nz(Null)"),
+              "#7/4/2010# '7/4/2010' '7/4/2010' '7/4/2010' '7/4/2010' 'x'");
     EXPECT_EQ(value("IIf(1 > 2, 'a', 'b'), IIf(Null, 1, 2), Nz(Null, 'x'), Nz(Null), Nz(5, 1), Choose(2, "
                     "'a', 'b'), Choose(9, 'a', 'b')"),
               "'b' 2 'x' '' 5 'b' null");
@@ -145,6 +158,11 @@ TEST_F(FunctionsTest, FormatOfNumbers) {
 }
 
 TEST_F(FunctionsTest, FormatOfDates) {
+    EXPECT_EQ(value("MonthName(1), MonthName(12, True), WeekdayName(1), WeekdayName(7, True, 2), "
+                    "WeekdayName(2, False, 0)"),
+              "'January' 'Dec' 'Sunday' 'Sun' 'Monday'");
+    EXPECT_EQ(value("MonthName(13)").substr(0, 5), "#3001");
+    EXPECT_EQ(value("WeekdayName(1, False, 8)").substr(0, 5), "#3001");
     EXPECT_EQ(value("Format(#7/4/2010 15:05:09#, 'yyyy-mm-dd hh:nn:ss'), Format(#7/4/2010#, 'd mmm yy'), "
                     "Format(#7/4/2010#, 'dddd, mmmm d'), Format(#7/4/2010 15:05#, 'h:mm am/pm')"),
               "'2010-07-04 15:05:09' '4 Jul 10' 'Sunday, July 4' '3:05 pm'");

@@ -52,6 +52,9 @@ TEST(SqlExpressions, compareWithWords) {
     EXPECT_EQ(expression(u"a like 'x*' & b or c not like d"),
               "(([a] like ('x*' & [b])) or ([c] not like [d]))");
     EXPECT_EQ(expression(u"a+1 is not null = b is null"), "(((([a] + 1) is not null) = [b]) is null)");
+    EXPECT_EQ(expression(u"a >= all (select b from t) and Any = some (select 1)"),
+              "(([a] >= all (select [b] from [t])) and ([Any] = any (select 1)))");
+    EXPECT_EQ(expression(u"a = any(b)"), "([a] = any([b]))");
     EXPECT_EQ(expression(u"not exists (select * from t) and (select max(x) from u) > 3"),
               "((not exists (select * from [t])) and ((select max([x]) from [u]) > 3))");
 }

@@ -63,6 +63,11 @@ std::string listed(const std::vector<ExpressionPtr>& items) {
 }
 
 struct ExpressionWriter {
+    static std::string word(BinaryOperator operation) {
+        static const char* const words[] = {"+", "-",  "*", "/",  "\\",  "mod", "^",   "&",   "=",  "<>",
+                                            "<", "<=", ">", ">=", "and", "or",  "xor", "eqv", "imp"};
+        return words[static_cast<int>(operation)];
+    }
     static std::string negation(bool negated) { return negated ? " not" : ""; }
 
     std::string operator()(const Literal& node) const { return std::visit(ConstantWriter(), node.value); }
@@ -73,10 +78,7 @@ struct ExpressionWriter {
         return "(" + (words[static_cast<int>(node.operation)] + written(*node.operand)) + ")";
     }
     std::string operator()(const Binary& node) const {
-        static const char* const words[] = {"+", "-",  "*", "/",  "\\",  "mod", "^",   "&",   "=",  "<>",
-                                            "<", "<=", ">", ">=", "and", "or",  "xor", "eqv", "imp"};
-        return "(" + written(*node.left) + " " + words[static_cast<int>(node.operation)] + " " +
-               written(*node.right) + ")";
+        return "(" + written(*node.left) + " " + word(node.operation) + " " + written(*node.right) + ")";
     }
     std::string operator()(const Like& node) const {
         return "(" + written(*node.text) + negation(node.negated) + " like " + written(*node.pattern) + ")";
@@ -93,6 +95,10 @@ struct ExpressionWriter {
     }
     std::string operator()(const InSelect& node) const {
         return "(" + written(*node.value) + negation(node.negated) + " in (" + written(*node.select) + "))";
+    }
+    std::string operator()(const Quantified& node) const {
+        return "(" + written(*node.value) + " " + word(node.operation) + (node.all ? " all (" : " any (") +
+               written(*node.select) + "))";
     }
     std::string operator()(const Exists& node) const { return "exists (" + written(*node.select) + ")"; }
     std::string operator()(const Subquery& node) const { return "(" + written(*node.select) + ")"; }

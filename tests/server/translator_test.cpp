@@ -17,7 +17,7 @@ TEST_F(TranslatorTest, TypesOfFieldsComeOutOfResults) {
 }
 
 TEST_F(TranslatorTest, ResultColumnsAreNamedAsTheDialectDoes) {
-    EXPECT_EQ(columns("SELECT SNAME, iColor + 1, Count(*) AS n, 5 FROM tblLayer"),
+    EXPECT_EQ(columns("SELECT SNAME, iColor + 1, Count(*) AS n, 5 FROM tblLayer GROUP BY sName, iColor"),
               "sName,Expr1001,n,Expr1003");
     EXPECT_EQ(columns("SELECT l.ixLayer, k.ixLayer, sKey FROM tblLayer AS l INNER JOIN tblLayerKey AS k ON "
                       "l.ixLayer = k.ixLayer"),
@@ -161,8 +161,73 @@ TEST_F(TranslatorTest, GroupsAndAggregates) {
     EXPECT_EQ(run("SELECT 1 + 1, Count(*) FROM tblLayer GROUP BY 2"), "2 3");
 }
 
+TEST_F(TranslatorTest, FieldsBesideAggregatesMustBeGrouped) {
+    for (const char* statement :
+         {"SELECT sName, Count(*) FROM tblLayer", "SELECT sName FROM tblLayer GROUP BY iColor",
+          "SELECT * FROM tblLayer GROUP BY sName",
+          "SELECT bPlot FROM tblLayer GROUP BY bPlot HAVING dWidth > 1",
+          "SELECT bPlot FROM tblLayer GROUP BY bPlot ORDER BY sName",
+          "SELECT sName FROM tblLayer ORDER BY Max(iColor)",
+          "SELECT iColor + 2 FROM tblLayer GROUP BY iColor + 1",
+          "SELECT bPlot, (SELECT Count(*) FROM tblLayerKey AS k WHERE k.ixLayer = l.ixLayer) FROM tblLayer "
+          "AS l GROUP BY "
+          "bPlot"})
+        EXPECT_EQ(run(statement).substr(0, 5), "#3122") << statement;
+    EXPECT_EQ(run("SELECT iColor + 1 AS c, iColor * 2, Count(*) FROM tblLayer GROUP BY iColor, iColor + 1 "
+                  "HAVING iColor "
+                  "> 1 ORDER BY iColor + 1 DESC"),
+              "31 60 1\n3 4 1");
+    EXPECT_EQ(
+        run("SELECT IIf(iColor > 1, 'many', 'one') AS n, Sum(iColor) FROM tblLayer GROUP BY IIf(iColor > 1, "
+            "'many', 'one') ORDER BY n"),
+        "'many' 32\n'one' 1");
+    EXPECT_EQ(run("SELECT Count(*), iColor > 1 FROM tblLayer GROUP BY iColor > 1 HAVING iColor > 1"),
+              "2 yes");
+    EXPECT_EQ(run("SELECT ixLayer, (SELECT sName FROM tblLayer AS l WHERE l.ixLayer = k.ixLayer) FROM "
+                  "tblLayerKey AS k "
+                  "GROUP BY ixLayer HAVING ixLayer < 3"),
+              "1 'Walls'\n2 'doors'");
+}
+
+TEST_F(TranslatorTest, AggregatesOverOuterFieldsBelongToTheirOwnSelect) {
+    EXPECT_EQ(run("SELECT sName, (SELECT Sum(l.iColor) FROM tblLayerKey) AS t, (SELECT Count(l.tMade) FROM "
+                  "tblLayerKey) "
+                  "FROM tblLayer AS l"),
+              "'Walls' 4 4\n'doors' 8 4\n'DUCTS' 120 0");
+    EXPECT_EQ(run("SELECT sName FROM tblLayer WHERE 100 < (SELECT Sum(tblLayer.iColor) FROM tblLayerKey)"),
+              "'DUCTS'");
+    EXPECT_EQ(run("SELECT sName, (SELECT Sum(iColor)) FROM tblLayer").substr(0, 5), "#3075");
+}
+
+TEST_F(TranslatorTest, AllAnyAndSomeCompareWithEveryValue) {
+    const std::string layers = "SELECT sName FROM tblLayer WHERE ";
+    EXPECT_EQ(run(layers + "iColor >= ALL (SELECT iColor FROM tblLayer)"), "'DUCTS'");
+    EXPECT_EQ(run(layers + "iColor > ANY (SELECT ixLayer FROM tblLayerKey)"), "'doors'\n'DUCTS'");
+    EXPECT_EQ(run(layers + "sName = SOME (SELECT 'DOORS' FROM tblLayerKey)"), "'doors'");
+    EXPECT_EQ(
+        run(layers +
+            "ixLayer <> ALL (SELECT k.ixLayer FROM tblLayerKey AS k WHERE k.sKey LIKE '*' & sName & '*')"),
+        run(layers +
+            "NOT ixLayer = ANY (SELECT k.ixLayer FROM tblLayerKey AS k WHERE k.sKey LIKE '*' & sName & "
+            "'*')"));
+    // Of no values all are greater and none is; a null leaves it open.
+    EXPECT_EQ(
+        value("1 > ALL (SELECT 2 FROM tblLayer WHERE False), 1 > ANY (SELECT 0 FROM tblLayer WHERE False), "
+              "1 = ANY (SELECT tMade FROM tblLayer WHERE tMade Is Null), 5 > ALL (SELECT iColor FROM "
+              "tblLayer)"),
+        "yes no null no");
+    EXPECT_EQ(run(layers + "iColor > ALL (SELECT ixLayer, sKey FROM tblLayerKey)").substr(0, 5), "#3075");
+    EXPECT_EQ(run("SELECT Max(iColor) > ALL (SELECT 1) FROM tblLayer").substr(0, 5), "#3075");
+}
+
 TEST_F(TranslatorTest, OrderTopAndUnion) {
     EXPECT_EQ(run("SELECT TOP 2 sName FROM tblLayer ORDER BY iColor DESC"), "'DUCTS'\n'doors'");
+    EXPECT_EQ(run("SELECT n FROM ((SELECT 1 AS n) UNION (SELECT 2) UNION ALL SELECT 2 ORDER BY n DESC) AS u"),
+              "2\n2\n1");
+    EXPECT_EQ(run("SELECT Count(*) FROM ((SELECT sName FROM tblLayer) UNION SELECT sKey FROM tblLayerKey) AS "
+                  "u INNER JOIN "
+                  "tblLayer ON u.sName = tblLayer.sName"),
+              "3");
     EXPECT_EQ(run("SELECT TOP 40 PERCENT sName FROM tblLayer ORDER BY iColor"), "'Walls'\n'doors'");
     EXPECT_EQ(run("SELECT sName AS n, iColor FROM tblLayer ORDER BY 2 DESC, n"),
               "'DUCTS' 30\n'doors' 2\n'Walls' 1");
@@ -340,8 +405,8 @@ TEST_F(TranslatorTest, OuterFieldsWhereSqliteHasNoneAreErrors) {
 
 TEST_F(TranslatorTest, SelectIntoTellsTheFieldsOfItsTable) {
     run("SELECT l.sName, l.ixLayer, k.ixLayer, tMade + 1 AS d, iColor > 1 AS b, 'x' & iColor AS t, sNote, "
-        "Sum(iColor) AS n, iColor * 2 AS m "
-        "INTO tblNew FROM tblLayer AS l, tblLayerKey AS k");
+        "Sum(iColor) AS n, iColor * 2 AS m INTO tblNew FROM tblLayer AS l, tblLayerKey AS k "
+        "GROUP BY l.sName, l.ixLayer, k.ixLayer, tMade, iColor, sNote");
     std::string fields;
     for (const FieldDefinition& field : into_.fields)
         fields += toUtf8(field.name) + " " + toUtf8(typeName(field.type)) + " " + std::to_string(field.size) +

@@ -276,6 +276,14 @@ TEST_F(Connection, ClosingKeepsTheReasonOfAFailedOpening) {
     EXPECT_EQ(flag(29), "yes");
 }
 
+TEST_F(Connection, ClosingForgetsWhatWentWrongInTheDatabase) {
+    createParts();
+    EXPECT_EQ(select(L"Nothing"), "error 3078");
+    EXPECT_EQ(flag(24), "yes");
+    EXPECT_EQ(flag(29), "no");
+    EXPECT_EQ(text(17), L"");
+}
+
 TEST_F(Connection, LinksTables) {
     createParts();
     addPart(L"duct", 2.5);
