@@ -27,4 +27,4 @@ inline bool settleNormal(AcGeVector3d& normal) {
     return true;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

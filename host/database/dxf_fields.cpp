@@ -137,7 +137,7 @@ bool readName(const DxfGroup& group, TableKind table, AcDbDatabase* database, Ac
     return !found.isNull() || loading;
 }
 
-} // namespace detail
+}  // namespace detail
 
 namespace {
 
@@ -147,22 +147,16 @@ GroupFiler* groupFiler(AcDbDxfFiler* filer) {
 
 const wchar_t* expectation(DxfKind kind) {
     switch (kind) {
-    case DxfKind::Text:
-        return L"known name or text";
-    case DxfKind::Point:
-        return L"point";
-    case DxfKind::Real:
-        return L"real";
-    case DxfKind::Int16:
-    case DxfKind::Int32:
-    case DxfKind::Int64:
-    case DxfKind::Bool:
-        return L"integer";
-    case DxfKind::Handle:
-    case DxfKind::Reference:
-        return L"object";
-    case DxfKind::Binary:
-        return L"binary data";
+        case DxfKind::Text: return L"known name or text";
+        case DxfKind::Point: return L"point";
+        case DxfKind::Real: return L"real";
+        case DxfKind::Int16:
+        case DxfKind::Int32:
+        case DxfKind::Int64:
+        case DxfKind::Bool: return L"integer";
+        case DxfKind::Handle:
+        case DxfKind::Reference: return L"object";
+        case DxfKind::Binary: return L"binary data";
     }
     return L"value";
 }
@@ -240,7 +234,7 @@ Acad::ErrorStatus readUnmarked(GroupFiler& filer, ObjectState& state, std::span<
     return Acad::eOk;
 }
 
-} // namespace
+}  // namespace
 
 void writeSubclassMarker(AcDbDxfFiler* filer, const ACHAR* subclass) {
     filer->writeItem(100, subclass);
@@ -285,4 +279,4 @@ Acad::ErrorStatus readSubclass(AcDbDxfFiler* filer, const ACHAR* subclass, Objec
     return readUnmarked(*groups, state, fields, taker);
 }
 
-} // namespace drafthost
+}  // namespace drafthost

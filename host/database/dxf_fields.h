@@ -59,7 +59,7 @@ bool readName(const DxfGroup& group, TableKind table, AcDbDatabase* database, Ac
 inline bool isDefaultNormal(const AcGeVector3d& v) {
     return v.x == 0 && v.y == 0 && v.z == 1;
 }
-} // namespace detail
+}  // namespace detail
 
 // A row for the member; with a second argument, the default value for which the group is left out. A normal
 // (group 210) is left out of files when it is +Z; LISP programs always find it.
@@ -124,4 +124,4 @@ using GroupTaker = bool (*)(ObjectState& state, const DxfGroup& group, AcDbDatab
 Acad::ErrorStatus readSubclass(AcDbDxfFiler* filer, const ACHAR* subclass, ObjectState& state,
                                std::span<const DxfField> fields, GroupTaker taker = nullptr);
 
-} // namespace drafthost
+}  // namespace drafthost

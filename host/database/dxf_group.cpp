@@ -73,7 +73,7 @@ struct NodeFiller {
     }
 };
 
-} // namespace
+}  // namespace
 
 DxfKind dxfKind(int code) {
     const auto* const range =
@@ -95,37 +95,24 @@ DxfGroup fromResbuf(const resbuf& node) {
     DxfGroup group{node.restype, std::wstring()};
     const auto& value = node.resval;
     switch (acutResultKind(node.restype)) {
-    case ResultKind::Real:
-        group.value = value.rreal;
-        break;
-    case ResultKind::Point:
-        group.value = AcGePoint3d(value.rpoint[0], value.rpoint[1], value.rpoint[2]);
-        break;
-    case ResultKind::Short:
-    case ResultKind::Long:
-        group.value = static_cast<std::int64_t>(value.rlong);
-        break;
-    case ResultKind::Int64:
-        group.value = value.rlname[0];
-        break;
-    case ResultKind::String:
-        group.value = std::wstring(value.rstring ? value.rstring : L"");
-        break;
-    case ResultKind::Handle:
-        group.value = ObjectReference{parseHandle(value.rstring), {}};
-        break;
-    case ResultKind::Name:
-        group.value = referenceOf(value.rlname);
-        break;
-    case ResultKind::Binary: {
-        const auto* const bytes = reinterpret_cast<const std::uint8_t*>(value.rbinary.buf);
-        group.value = std::vector<std::uint8_t>(bytes, bytes + std::max<int>(0, value.rbinary.clen));
-        break;
-    }
-    case ResultKind::None:
-        break;
+        case ResultKind::Real: group.value = value.rreal; break;
+        case ResultKind::Point:
+            group.value = AcGePoint3d(value.rpoint[0], value.rpoint[1], value.rpoint[2]);
+            break;
+        case ResultKind::Short:
+        case ResultKind::Long: group.value = static_cast<std::int64_t>(value.rlong); break;
+        case ResultKind::Int64: group.value = value.rlname[0]; break;
+        case ResultKind::String: group.value = std::wstring(value.rstring ? value.rstring : L""); break;
+        case ResultKind::Handle: group.value = ObjectReference{parseHandle(value.rstring), {}}; break;
+        case ResultKind::Name: group.value = referenceOf(value.rlname); break;
+        case ResultKind::Binary: {
+            const auto* const bytes = reinterpret_cast<const std::uint8_t*>(value.rbinary.buf);
+            group.value = std::vector<std::uint8_t>(bytes, bytes + std::max<int>(0, value.rbinary.clen));
+            break;
+        }
+        case ResultKind::None: break;
     }
     return group;
 }
 
-} // namespace drafthost
+}  // namespace drafthost

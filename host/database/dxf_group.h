@@ -16,7 +16,7 @@ namespace drafthost {
 // A handle that is still to be resolved, or an object id; files hold handles, memory ids.
 struct ObjectReference {
     AcDbHandle handle;
-    AcDbObjectId id; // null when only the handle is known
+    AcDbObjectId id;  // null when only the handle is known
     bool operator==(const ObjectReference&) const = default;
 };
 
@@ -38,4 +38,4 @@ DxfKind dxfKind(int code);
 resbuf* toResbuf(const DxfGroup& group, bool referencesAsNames);
 DxfGroup fromResbuf(const resbuf& node);
 
-} // namespace drafthost
+}  // namespace drafthost

@@ -90,7 +90,8 @@ Document* DocumentManager::open(const std::wstring& path, std::wstring& problem)
     if (!path.empty()) {
         const exchange::DxfReadResult result = exchange::readDxf(*database, name);
         if (result.status != Acad::eOk) {
-            problem = result.message.empty() ? name + L": " + acadErrorStatusText(result.status) : result.message;
+            problem =
+                result.message.empty() ? name + L": " + acadErrorStatusText(result.status) : result.message;
             return nullptr;
         }
         if (result.audit.errorsFound() > 0)

@@ -1,8 +1,9 @@
 #pragma once
 
-// What the server asks of a database engine. The coclasses and the session know only this; an engine for a database
-// server is added by implementing it. All operations throw DatabaseError, and each change is durable when it returns.
-// No lock is held between two operations. One thread at a time uses a database; different databases are independent.
+// What the server asks of a database engine. The coclasses and the session know only this; an engine for a
+// database server is added by implementing it. All operations throw DatabaseError, and each change is durable
+// when it returns. No lock is held between two operations. One thread at a time uses a database; different
+// databases are independent.
 
 #include "server/schema/definition.h"
 #include "server/sql/syntax.h"
@@ -25,12 +26,14 @@ struct Cell {
 class RowSink {
 public:
     virtual ~RowSink() = default;
-    virtual void columns(std::span<const Text> names) = 0;  // once, before the first row; also when there is none
-    virtual void row(std::span<const Cell> cells) = 0;      // as many as columns
+    virtual void
+    columns(std::span<const Text> names) = 0;           // once, before the first row; also when there is none
+    virtual void row(std::span<const Cell> cells) = 0;  // as many as columns
 };
 
-// Where a record stands in one order of its table: the values of the index's fields and the engine's own number of the
-// row. It stays meaningful when the record is deleted or moved by somebody else: its neighbours are found from it.
+// Where a record stands in one order of its table: the values of the index's fields and the engine's own
+// number of the row. It stays meaningful when the record is deleted or moved by somebody else: its neighbours
+// are found from it.
 struct Position {
     std::vector<Value> key;
     std::int64_t row = 0;
@@ -48,8 +51,8 @@ struct FieldValue {
     Value value;
 };
 
-// The records of one table in the order of one index, or of their numbers when there is no index. Made for a definition
-// of the table; when that changes, operations throw invalidOperation (3219) and a new one is made.
+// The records of one table in the order of one index, or of their numbers when there is no index. Made for a
+// definition of the table; when that changes, operations throw invalidOperation (3219) and a new one is made.
 class RecordOrder {
 public:
     virtual ~RecordOrder() = default;
@@ -57,7 +60,8 @@ public:
     // `offset` records after the first, or before the last. Nothing when there are not so many.
     virtual std::optional<Record> first(std::int64_t offset = 0) = 0;
     virtual std::optional<Record> last(std::int64_t offset = 0) = 0;
-    // The record `count` (at least 1) places after or before the position, which need not hold a record any more.
+    // The record `count` (at least 1) places after or before the position, which need not hold a record any
+    // more.
     virtual std::optional<Record> after(const Position& position, std::int64_t count = 1) = 0;
     virtual std::optional<Record> before(const Position& position, std::int64_t count = 1) = 0;
     // The record that stood there, as it is now; nothing when it was deleted.
@@ -105,19 +109,21 @@ public:
 
     virtual void linkTable(const LinkDefinition& link) = 0;
 
-    // index: empty for the primary key's order, or that of the records' numbers without one. The name of the order's
-    // index, which may be empty, is told by indexName.
+    // index: empty for the primary key's order, or that of the records' numbers without one. The name of the
+    // order's index, which may be empty, is told by indexName.
     virtual std::unique_ptr<RecordOrder> openOrder(TextView table, TextView index, Text& indexName) = 0;
 
-    // Runs one statement. Rows of a SELECT go to the sink (null: they are counted only). The number of records changed,
-    // inserted or deleted, or of rows. parameters are taken by the statement's parameters in the order of their
-    // declaration, else of their first use; too few throw tooFewParameters (3061) naming those without a value.
-    virtual std::int64_t run(const sql::Statement& statement, std::span<const Value> parameters, RowSink* sink) = 0;
+    // Runs one statement. Rows of a SELECT go to the sink (null: they are counted only). The number of
+    // records changed, inserted or deleted, or of rows. parameters are taken by the statement's parameters in
+    // the order of their declaration, else of their first use; too few throw tooFewParameters (3061) naming
+    // those without a value.
+    virtual std::int64_t run(const sql::Statement& statement, std::span<const Value> parameters,
+                             RowSink* sink) = 0;
     // The same for a stored query.
     virtual std::int64_t runQuery(TextView name, std::span<const Value> parameters, RowSink* sink) = 0;
 
-    // From any thread: a statement at work ends soon, with an error and nothing changed. Without effect when there is
-    // none.
+    // From any thread: a statement at work ends soon, with an error and nothing changed. Without effect when
+    // there is none.
     virtual void interrupt() = 0;
 };
 
@@ -132,13 +138,14 @@ class Engine {
 public:
     virtual ~Engine() = default;
 
-    // readWrite of a file that can only be read opens it read-only too. Throws fileNotFound (3024), pathNotValid
-    // (3044), cannotOpen (3051), notADatabase (3343) ...
+    // readWrite of a file that can only be read opens it read-only too. Throws fileNotFound (3024),
+    // pathNotValid (3044), cannotOpen (3051), notADatabase (3343) ...
     virtual OpenResult open(TextView path, OpenMode mode) = 0;
     // Throws databaseExists (3204) and leaves the file alone when there is one.
     virtual void create(TextView path) = 0;
-    // Writes a compacted copy, which appears whole or not at all. What cannot be read of a damaged source is left out:
-    // then the copy is made all the same, and a DatabaseError with code damaged (3049) tells what was lost.
+    // Writes a compacted copy, which appears whole or not at all. What cannot be read of a damaged source is
+    // left out: then the copy is made all the same, and a DatabaseError with code damaged (3049) tells what
+    // was lost.
     virtual void compact(TextView source, TextView target) = 0;
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// What a database is made of: tables with fields and indexes, relations, stored queries, linked tables; and the
-// language in which table definitions cross the server's interface.
+// What a database is made of: tables with fields and indexes, relations, stored queries, linked tables; and
+// the language in which table definitions cross the server's interface.
 
 #include "server/values/value.h"
 
@@ -77,13 +77,13 @@ struct FieldChange {
     bool primary = false;
 };
 
-// Throws nameNotValid (3125) for what cannot be a name: empty, longer than 64 characters, with one of .!`[] or a
-// control character, or with a blank in front.
+// Throws nameNotValid (3125) for what cannot be a name: empty, longer than 64 characters, with one of .!`[]
+// or a control character, or with a blank in front.
 void checkName(TextView name);
 
-// The definition language: nested lists in a flat array, "*RTLB*" and "*RTLE*" for parentheses, "*RTDOTE*" for the dot
-// of a pair. docs/database.md describes it. Both throw syntaxInDefinition (3290), typeUnknown (3259) and the like with
-// the offending item in the text.
+// The definition language: nested lists in a flat array, "*RTLB*" and "*RTLE*" for parentheses, "*RTDOTE*"
+// for the dot of a pair. docs/database.md describes it. Both throw syntaxInDefinition (3290), typeUnknown
+// (3259) and the like with the offending item in the text.
 TableDefinition parseTableDefinition(TextView table, const std::vector<Value>& flat);
 std::vector<FieldChange> parseTableChanges(const std::vector<Value>& flat);
 // "name", "name(field, field desc)"; without fields the field of the index's own name is meant.
@@ -94,8 +94,8 @@ std::vector<Value> structureOf(const TableDefinition& table);
 // One field in the long form: "NAME", ..., "TYPE", ..., "SIZE", ..., and so on.
 std::vector<Value> attributesOf(const TableDefinition& table, const FieldDefinition& field);
 
-// "LONG", "TEXT" ... as the language writes them; and back: also the synonyms that SQL knows (INT, VARCHAR, BIT ...),
-// nothing for an unknown word. COUNTER is a long integer with autonumber.
+// "LONG", "TEXT" ... as the language writes them; and back: also the synonyms that SQL knows (INT, VARCHAR,
+// BIT ...), nothing for an unknown word. COUNTER is a long integer with autonumber.
 Text typeName(FieldType type);
 std::optional<FieldDefinition> typeOfName(TextView word);
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// The syntax tree of a statement in the product's SQL dialect: what the parser makes and an engine runs. Names are as
-// they were written, without brackets; whether they exist is not known here.
+// The syntax tree of a statement in the product's SQL dialect: what the parser makes and an engine runs.
+// Names are as they were written, without brackets; whether they exist is not known here.
 
 #include "server/schema/definition.h"
 
@@ -37,9 +37,25 @@ struct Unary {
 };
 
 enum class BinaryOperator {
-    add, subtract, multiply, divide, integerDivide, modulo, power, concatenate,
-    equal, notEqual, less, lessOrEqual, greater, greaterOrEqual,
-    logicalAnd, logicalOr, logicalXor, equivalent, implies,
+    add,
+    subtract,
+    multiply,
+    divide,
+    integerDivide,
+    modulo,
+    power,
+    concatenate,
+    equal,
+    notEqual,
+    less,
+    lessOrEqual,
+    greater,
+    greaterOrEqual,
+    logicalAnd,
+    logicalOr,
+    logicalXor,
+    equivalent,
+    implies,
 };
 // Chains of and, or and & are balanced trees: their order of evaluation does not matter.
 struct Binary {
@@ -92,8 +108,8 @@ struct Call {
 };
 
 struct Expression {
-    std::variant<Literal, Name, Placeholder, Unary, Binary, Like, Between, IsNull, InList, InSelect, Quantified,
-                 Exists, Subquery, Call>
+    std::variant<Literal, Name, Placeholder, Unary, Binary, Like, Between, IsNull, InList, InSelect,
+                 Quantified, Exists, Subquery, Call>
         node;
     std::size_t offset = 0;  // in the statement, for error texts
 };
@@ -135,8 +151,8 @@ struct Select {
     std::optional<std::int64_t> top;
     bool topPercent = false;
     std::vector<SelectItem> items;
-    Text into;         // SELECT ... INTO: the table to make; empty: none
-    SourcePtr from;    // null: none
+    Text into;       // SELECT ... INTO: the table to make; empty: none
+    SourcePtr from;  // null: none
     ExpressionPtr where;
     std::vector<ExpressionPtr> groupBy;
     ExpressionPtr having;
@@ -151,7 +167,7 @@ struct Select {
 
 struct Insert {
     Text table;
-    std::vector<Text> fields;  // empty: all, in order
+    std::vector<Text> fields;                      // empty: all, in order
     std::vector<std::vector<ExpressionPtr>> rows;  // VALUES, one or more
     SelectPtr select;                              // or this
 };
@@ -167,7 +183,7 @@ struct Update {
 };
 
 struct Delete {
-    Text table;        // DELETE t.* FROM a join; empty: the only table
+    Text table;  // DELETE t.* FROM a join; empty: the only table
     SourcePtr from;
     ExpressionPtr where;
 };
@@ -185,9 +201,9 @@ struct CreateIndex {
 struct AlterTable {
     Text table;
     std::vector<FieldChange> changes;
-    std::vector<IndexDefinition> indexes;         // ADD CONSTRAINT ... PRIMARY KEY, UNIQUE
-    std::vector<RelationDefinition> relations;    // ADD CONSTRAINT ... FOREIGN KEY, REFERENCES
-    std::vector<Text> droppedConstraints;         // indexes or relations
+    std::vector<IndexDefinition> indexes;       // ADD CONSTRAINT ... PRIMARY KEY, UNIQUE
+    std::vector<RelationDefinition> relations;  // ADD CONSTRAINT ... FOREIGN KEY, REFERENCES
+    std::vector<Text> droppedConstraints;       // indexes or relations
 };
 struct DropTable {
     Text table;
@@ -217,17 +233,18 @@ struct ParameterDeclaration {
 struct Statement {
     std::vector<ParameterDeclaration> parameters;  // PARAMETERS ...;
     int placeholders = 0;                          // how many "?" there are
-    std::variant<SelectPtr, Insert, Update, Delete, CreateTable, CreateIndex, AlterTable, DropTable, DropIndex,
-                 CreateQuery, DropQuery, Execute>
+    std::variant<SelectPtr, Insert, Update, Delete, CreateTable, CreateIndex, AlterTable, DropTable,
+                 DropIndex, CreateQuery, DropQuery, Execute>
         node;
 };
 
-// The most levels that a statement's tree has, those of the selects in it and of their joins counted: functions that walk
-// it, destructors among them, may call themselves for each.
+// The most levels that a statement's tree has, those of the selects in it and of their joins counted:
+// functions that walk it, destructors among them, may call themselves for each.
 constexpr int tallestTree = 400;
 
-// Parses one statement; a semicolon may end it. Throws syntax (3075) with the place in the text, syntaxInDefinition
-// (3290) in statements that define something, and tooComplex (3360) for one that is nested too deeply.
+// Parses one statement; a semicolon may end it. Throws syntax (3075) with the place in the text,
+// syntaxInDefinition (3290) in statements that define something, and tooComplex (3360) for one that is nested
+// too deeply.
 Statement parse(TextView statement);
 
 }  // namespace tessary::server::sql

@@ -1,6 +1,7 @@
 #pragma once
 
-// Errors of the database server, with the numbers that programs written for the product's file databases know.
+// Errors of the database server, with the numbers that programs written for the product's file databases
+// know.
 
 #include "server/values/value.h"
 
@@ -22,13 +23,13 @@ enum class ErrorCode : int {
     diskFull = 3026,
     diskOrNetwork = 3043,
     pathNotValid = 3044,
-    cannotOpen = 3051,      // in use exclusively, a folder, or no permission
+    cannotOpen = 3051,  // in use exclusively, a folder, or no permission
     tooFewParameters = 3061,
-    ambiguousName = 3079,    // a field that several tables of a statement have
+    ambiguousName = 3079,  // a field that several tables of a statement have
     syntax = 3075,
     tableNotFound = 3078,
     unknownFunction = 3085,
-    notGrouped = 3122,       // a field beside aggregates that is not in GROUP BY
+    notGrouped = 3122,      // a field beside aggregates that is not in GROUP BY
     divisionByZero = 3058,  // and other results that are no number
     fieldTooSmall = 3163,
     recordDeleted = 3167,
@@ -37,10 +38,10 @@ enum class ErrorCode : int {
     databaseExists = 3204,
     cannotDropRelated = 3281,
     locked = 3218,
-    noField = 3264,          // a text file to link without a field
-    itemNotFound = 3265,     // a field, index, relation or query that does not exist
+    noField = 3264,       // a text file to link without a field
+    itemNotFound = 3265,  // a field, index, relation or query that does not exist
     duplicateField = 3191,
-    itemExists = 3012,       // a query or relation of that name exists
+    itemExists = 3012,  // a query or relation of that name exists
     indexExists = 3284,
     indexNotFound = 3015,
     fieldNotInDefinition = 3799,
@@ -49,10 +50,9 @@ enum class ErrorCode : int {
     syntaxInDefinition = 3290,
     syntaxInInsert = 3134,
     valueRequired = 3314,
-    textEmptyNotAllowed = 3315,
     conversion = 3421,
     noTableOpen = 3420,
-    noUniqueIndex = 3609,    // on the fields that a relation refers to
+    noUniqueIndex = 3609,  // on the fields that a relation refers to
     notADatabase = 3343,
     damaged = 3049,
     cannotUpdateQuery = 3073,
