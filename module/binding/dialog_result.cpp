@@ -2,6 +2,7 @@
 
 #include "host/api/editor.h"
 #include "module/binding/configuration.h"
+#include "module/binding/message_box.h"
 
 #include <windows.h>
 
@@ -19,34 +20,19 @@ constexpr std::intptr_t notCreatedByFramework = 3;
 // ShellExecute reports success with values above this.
 constexpr INT_PTR lastShellError = 32;
 
-// Makes the window that was active active again when a message box has been answered.
-class ActiveWindow {
-public:
-    ActiveWindow() : window_(GetActiveWindow()) {}
-    ~ActiveWindow() {
-        if (window_) {
-            SetActiveWindow(window_);
-        }
-    }
-    ActiveWindow(const ActiveWindow&) = delete;
-    ActiveWindow& operator=(const ActiveWindow&) = delete;
-
-    HWND handle() const { return window_; }
-    HWND mainWindow() const { return window_ ? GetAncestor(window_, GA_ROOTOWNER) : nullptr; }
-
-private:
-    HWND window_;
-};
-
 int showMessage(const std::wstring& text, UINT style) {
-    const ActiveWindow active;
-    return MessageBoxW(active.handle(), text.c_str(), caption, style);
+    return showMessageBox(text, caption, style);
+}
+
+// The host's main window where it is known; null otherwise.
+HWND mainWindow() {
+    const HWND active = GetActiveWindow();
+    return active ? GetAncestor(active, GA_ROOTOWNER) : nullptr;
 }
 
 bool startDownload() {
-    const HINSTANCE result =
-        ShellExecuteW(ActiveWindow().mainWindow(), L"OPEN", configuration::componentsInstallerAddress,
-                      nullptr, nullptr, SW_SHOWNA);
+    const HINSTANCE result = ShellExecuteW(mainWindow(), L"OPEN", configuration::componentsInstallerAddress,
+                                           nullptr, nullptr, SW_SHOWNA);
     return reinterpret_cast<INT_PTR>(result) > lastShellError;
 }
 

@@ -1,7 +1,7 @@
 #include "module/database/message_functions.h"
 
 #include "host/api/editor.h"
-#include "module/database/message_box.h"
+#include "module/binding/message_box.h"
 
 #include <windows.h>
 

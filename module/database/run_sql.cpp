@@ -2,7 +2,7 @@
 
 #include "host/api/editor.h"
 #include "module/binding/variant.h"
-#include "module/database/message_box.h"
+#include "module/binding/message_box.h"
 #include "module/database/server_connection.h"
 #include "module/database/server_results.h"
 

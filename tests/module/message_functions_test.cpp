@@ -1,4 +1,4 @@
-#include "module/database/message_box.h"
+#include "module/binding/message_box.h"
 #include "module/database/message_functions.h"
 #include "tests/module/value_lists.h"
 

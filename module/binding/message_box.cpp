@@ -1,4 +1,4 @@
-#include "module/database/message_box.h"
+#include "module/binding/message_box.h"
 
 #include <windows.h>
 
