@@ -35,6 +35,18 @@ protected:
     Acad::ErrorStatus subErase(bool erasing) override;  // its attributes go with it
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, std::int64_t marker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewTransform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geometryIds) const override;
+    using AcDbEntity::subGetOsnapPoints;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geometryIds) const override;
+    using AcDbEntity::subGetGripPoints;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    using AcDbEntity::subMoveGripPointsAt;
+    Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     Acad::ErrorStatus subExplode(AcDbEntityArray& parts) const override;
     Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect type,
                                        AcGePoint3dArray& points, std::int64_t thisMarker,

@@ -36,6 +36,7 @@ public:
     virtual Acad::ErrorStatus getArea(double& area) const;
 
 protected:
+    AcDbCurve();  // for classes of modules
     explicit AcDbCurve(drafthost::ObjectImp* imp);
 };
 
@@ -74,6 +75,18 @@ protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, std::int64_t marker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewTransform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geometryIds) const override;
+    using AcDbEntity::subGetOsnapPoints;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geometryIds) const override;
+    using AcDbEntity::subGetGripPoints;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    using AcDbEntity::subMoveGripPointsAt;
+    Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     void subList() const override;
 };
 
@@ -111,6 +124,18 @@ protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, std::int64_t marker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewTransform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geometryIds) const override;
+    using AcDbEntity::subGetOsnapPoints;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geometryIds) const override;
+    using AcDbEntity::subGetGripPoints;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    using AcDbEntity::subMoveGripPointsAt;
+    Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     void subList() const override;
 };
 
@@ -157,6 +182,18 @@ protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, std::int64_t marker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewTransform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geometryIds) const override;
+    using AcDbEntity::subGetOsnapPoints;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geometryIds) const override;
+    using AcDbEntity::subGetGripPoints;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    using AcDbEntity::subMoveGripPointsAt;
+    Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     void subList() const override;
 };
 
@@ -203,6 +240,18 @@ protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, std::int64_t marker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewTransform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geometryIds) const override;
+    using AcDbEntity::subGetOsnapPoints;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geometryIds) const override;
+    using AcDbEntity::subGetGripPoints;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    using AcDbEntity::subMoveGripPointsAt;
+    Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     Acad::ErrorStatus subExplode(AcDbEntityArray& parts) const override;
     void subList() const override;
 };

@@ -47,7 +47,7 @@ public:
     std::uint16_t cecolor() const;
     double ltscale() const;
     double textsize() const;  // height of new texts without a fixed style height
-    double dimscale() const;
+    double dimscale() const;  // size of annotation; 0: by the viewport it is seen through
 
     // eUnknownHandle when there is no such object.
     Acad::ErrorStatus getAcDbObjectId(AcDbObjectId& id, AcDbHandle handle) const;
@@ -58,6 +58,19 @@ public:
     // Replaces the contents of a side database made empty. message: line number and reason of a failure; may
     // be null.
     Acad::ErrorStatus readDxfFile(const ACHAR* fileName, ACHAR** message = nullptr);
+    // The same from a DWG file; a file with DXF content is read too, whatever its name. eFileNotFound,
+    // eFileAccessErr; eInvalidFileVersion for a version that cannot be read; eFileInternalErr for a damaged
+    // file or no drawing at all, after which the database is still empty. A message was asked for: as above.
+    Acad::ErrorStatus readDwgFile(const ACHAR* fileName, int shareMode = AcDb::kDenyWrite,
+                                  ACHAR** message = nullptr);
+    // Makes the model space of another database a block definition of this one, with all that it refers to:
+    // layers, linetypes, styles, applications, blocks. clashes: which of two records of the same name is
+    // used. preserveSource false: the source's objects may be used up. id: the definition. A definition of
+    // that name is redefined. Nothing is changed when it fails: eInvalidKey for an impossible name,
+    // eSelfReference when the source shows a block of that name.
+    Acad::ErrorStatus insert(AcDbObjectId& id, const ACHAR* blockName, AcDbDatabase* source,
+                             bool preserveSource = true,
+                             AcDb::DuplicateRecordCloning clashes = AcDb::kDrcIgnore);
     // Writes a temporary file beside the target and renames it, so that a failure leaves an existing file as
     // it was.
     Acad::ErrorStatus dxfOut(const ACHAR* fileName);

@@ -47,7 +47,38 @@ enum OpenMode { kForRead = 0, kForWrite = 1, kForNotify = 2 };
 // Which members may be lengthened to find an intersection.
 enum Intersect { kOnBothOperands = 0, kExtendThis = 1, kExtendArg = 2, kExtendBoth = 3 };
 enum LineWeight { kLnWtByLayer = -1, kLnWtByBlock = -2, kLnWtByLwDefault = -3 };
-enum FilerType { kFileFiler = 0, kCopyFiler = 1, kUndoFiler = 2, kPurgeFiler = 3, kBagFiler = 4 };
+// What objects are filed for.
+enum FilerType {
+    kFileFiler = 0,         // a drawing file
+    kCopyFiler = 1,         // a copy in the same drawing
+    kUndoFiler = 2,         // to be taken back
+    kBagFiler = 3,          // data for LISP programs
+    kIdXlateFiler = 4,      // ids are put in the place of others
+    kDeepCloneFiler = 6,    // a copy with all that the object owns
+    kIdFiler = 7,           // only the ids that the object refers to are of interest
+    kPurgeFiler = 8,        // the same, for finding what nobody refers to
+    kWblockCloneFiler = 9,  // a copy in another drawing
+};
+enum OsnapMode {
+    kOsModeEnd = 1,
+    kOsModeMid = 2,
+    kOsModeCen = 3,
+    kOsModeNode = 4,
+    kOsModeQuad = 5,
+    kOsModeIns = 7,
+    kOsModePerp = 8,
+    kOsModeTan = 9,
+    kOsModeNear = 10,
+};
+enum Planarity { kNonPlanar = 0, kPlanar = 1, kLinear = 2 };
+// Which of two records of the same name stays when objects come into a drawing.
+enum DuplicateRecordCloning {
+    kDrcNotApplicable = 0,
+    kDrcIgnore = 1,   // the drawing's own
+    kDrcReplace = 2,  // the one that comes
+};
+// How a drawing file that is read may be opened by others meanwhile.
+enum ShareMode { kDenyReadWrite = 0x10, kDenyWrite = 0x20, kDenyRead = 0x30, kDenyNone = 0x40 };
 }  // namespace AcDb
 
 template <>

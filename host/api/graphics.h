@@ -13,6 +13,10 @@ class DRAFTHOST_API AcGiDrawable : public AcRxObject {
 public:
     static AcRxClass* desc();
     AcRxClass* isA() const override;
+    enum DrawableType { kGeometry = 0, kDistantLight = 1, kPointLight = 2, kSpotLight = 3 };
+    virtual DrawableType drawableType() const { return kGeometry; }
+    // The cursor rests on the part of that marker. True: the drawable wants to be drawn anew for it.
+    virtual bool rolloverHit(std::uint64_t subEntity, std::uint64_t mouseFlags, bool reset);
     // Draws into the world draw. True: everything is drawn, no drawing by viewport is needed.
     bool worldDraw(AcGiWorldDraw* worldDraw);
 

@@ -6,6 +6,8 @@
 #include "host/api/graphics.h"
 #include "host/api/resbuf.h"
 
+class AcDbAuditInfo;
+class AcDbDwgFiler;
 class AcDbDxfFiler;
 class AcDbObject;
 namespace drafthost {
@@ -62,8 +64,18 @@ public:
     Acad::ErrorStatus
     dxfOut(AcDbDxfFiler* filer) const;  // with owner, reactors, dictionary and extended data
     Acad::ErrorStatus dxfIn(AcDbDxfFiler* filer);
-    virtual Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const;
+    // The same in the exact, unnamed form in which objects are copied, undone and inserted. Classes of
+    // modules file their own members behind their parent's.
+    Acad::ErrorStatus dwgOut(AcDbDwgFiler* filer) const;
+    Acad::ErrorStatus dwgIn(AcDbDwgFiler* filer);
+    // eMakeMeProxy from reading: the data are of a newer version of the class; the host keeps them in a
+    // proxy.
+    virtual Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer);
+    virtual Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const;
     virtual Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer);
+    virtual Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const;
+    // Checks the object's data, and mends them when the audit says so. Called after a drawing was read.
+    virtual Acad::ErrorStatus audit(AcDbAuditInfo* info);
 
     // A copy outside any database; caller owns. Null for classes that cannot be copied.
     AcDbObject* clone() const;
@@ -77,6 +89,18 @@ protected:
 private:
     friend struct drafthost::ObjectImp;
     drafthost::ObjectImp* imp_;  // owned
+};
+
+// What an audit found, told by the objects that it checks.
+class DRAFTHOST_API AcDbAuditInfo {
+public:
+    virtual ~AcDbAuditInfo();
+    virtual bool fixErrors() const = 0;  // mend what can be mended
+    // One error of an object. value: what stands there; validation: what should; mended: what was put there.
+    virtual void printError(const AcDbObject* object, const ACHAR* value, const ACHAR* validation,
+                            const ACHAR* mended) = 0;
+    virtual void errorsFound(int count) = 0;
+    virtual void errorsFixed(int count) = 0;
 };
 
 template <class T>

@@ -57,6 +57,7 @@ enum ErrorStatus : int {
     eRegappIdNotFound = 96,
     eInvalidXdata = 97,
     eXdataSizeExceeded = 98,
+    eProxyRefused = 99,  // the class of a proxy, which is not there, does not allow the operation
     eUserBreak = 120,
     eMakeMeProxy = 301,
 };

@@ -17,6 +17,7 @@ struct BlockReferenceState : ClonedState<BlockReferenceState, EntityState> {
     std::vector<AcDbObjectId> attributes;  // in order, erased ones too
     AcDbObjectId sequenceEnd;              // null: has never had attributes
 
+    void file(StateWalker& walker) override;
     void becomeCopy() override {
         EntityState::becomeCopy();
         attributes.clear();

@@ -1,5 +1,9 @@
 #include "host/database/class_registry.h"
 
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+
 #include <memory>
 #include <unordered_map>
 
@@ -30,6 +34,25 @@ void registerBuiltInClasses() {
     }();
     static_cast<void>(done);
 }
+
+// The class dictionary and the registry that holds it: views of the registry above.
+class ClassDictionary final : public AcRxDictionary {
+public:
+    AcRxObject* at(const ACHAR* name) const override { return acrxFindClass(name); }
+    std::uint32_t numEntries() const override {
+        registerBuiltInClasses();
+        return static_cast<std::uint32_t>(registry().byName.size());
+    }
+};
+
+class SystemRegistry final : public AcRxDictionary {
+public:
+    AcRxObject* at(const ACHAR* name) const override {
+        static ClassDictionary classes;
+        return name && std::wstring_view(name) == ACRX_CLASS_DICTIONARY ? &classes : nullptr;
+    }
+    std::uint32_t numEntries() const override { return 1; }
+};
 
 AcRxClass* insert(std::unique_ptr<AcRxClass::Impl> impl, const std::vector<const AcRxClass*>& parentLine) {
     const std::wstring name = impl->name;
@@ -101,6 +124,25 @@ bool AcRxObject::isKindOf(const AcRxClass* cls) const {
     return isA()->isDerivedFrom(cls);
 }
 
+DRAFTHOST_DEFINE_CLASS(AcRxClass, AcRxObject, nullptr, nullptr)
+DRAFTHOST_DEFINE_CLASS(AcRxDictionary, AcRxObject, nullptr, nullptr)
+
+AcRxDictionary* acrxSysRegistry() {
+    static drafthost::SystemRegistry registry;
+    return &registry;
+}
+
+void acrx_abort(const ACHAR* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    std::fputws(L"\nFATAL ERROR: ", stderr);
+    std::vfwprintf(stderr, format, arguments);
+    std::fputws(L"\n", stderr);
+    va_end(arguments);
+    std::fflush(nullptr);
+    std::_Exit(3);
+}
+
 AcRxClass::AcRxClass(Impl* impl) : impl_(impl) {}
 AcRxClass::~AcRxClass() {
     delete impl_;
@@ -117,6 +159,10 @@ const ACHAR* AcRxClass::appName() const {
 int AcRxClass::proxyFlags() const {
     return impl_->proxyFlags;
 }
+void AcRxClass::getClassVersion(int& dwgVersion, int& maintenanceVersion) const {
+    dwgVersion = impl_->dwgVersion;
+    maintenanceVersion = impl_->maintenanceVersion;
+}
 AcRxClass* AcRxClass::myParent() const {
     return impl_->parent;
 }
@@ -131,8 +177,9 @@ bool AcRxClass::isDerivedFrom(const AcRxClass* ancestor) const {
     return depth <= impl_->ancestors.size() && impl_->ancestors[depth - 1] == ancestor;
 }
 
-AcRxClass* newAcRxClass(const ACHAR* name, const ACHAR* parentName, AcRxConstructor constructor,
-                        const ACHAR* dxfName, const ACHAR* appName, int proxyFlags) {
+AcRxClass* newAcRxClass(const ACHAR* name, const ACHAR* parentName, int dwgVersion, int maintenanceVersion,
+                        int proxyFlags, AcRxConstructor constructor, const ACHAR* dxfName,
+                        const ACHAR* appName) {
     if (!name || !*name || acrxFindClass(name))
         return nullptr;
     AcRxClass* const parent = parentName ? acrxFindClass(parentName) : AcRxObject::desc();
@@ -144,6 +191,8 @@ AcRxClass* newAcRxClass(const ACHAR* name, const ACHAR* parentName, AcRxConstruc
     if (appName)
         impl->appName = appName;
     impl->proxyFlags = proxyFlags;
+    impl->dwgVersion = dwgVersion;
+    impl->maintenanceVersion = maintenanceVersion;
     return drafthost::insert(std::move(impl), drafthost::lineOf(parent));
 }
 

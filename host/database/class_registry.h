@@ -17,6 +17,7 @@ struct AcRxClass::Impl {
     std::wstring dxfName;  // empty: not filed
     std::wstring appName;  // empty: built in
     int proxyFlags = 0;
+    int dwgVersion = 0, maintenanceVersion = 0;
     AcRxClass* parent = nullptr;
     AcRxConstructor constructor = nullptr;
     std::vector<const AcRxClass*> ancestors;  // from the root to the class itself

@@ -5,6 +5,7 @@
 
 DRAFTHOST_DEFINE_CLASS(AcDbCurve, AcDbEntity, nullptr, nullptr)
 
+AcDbCurve::AcDbCurve() = default;
 AcDbCurve::AcDbCurve(drafthost::ObjectImp* imp) : AcDbEntity(imp) {}
 
 bool AcDbCurve::isClosed() const {

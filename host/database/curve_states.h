@@ -15,6 +15,8 @@ struct LineState : ClonedState<LineState, EntityState> {
     AcGePoint3d start, end;  // world coordinates
     double thickness = 0;
     AcGeVector3d normal{0, 0, 1};
+
+    void file(StateWalker& walker) override;
 };
 
 struct CircleState : ClonedState<CircleState, EntityState> {
@@ -22,10 +24,14 @@ struct CircleState : ClonedState<CircleState, EntityState> {
     double radius = 0;
     double thickness = 0;
     AcGeVector3d normal{0, 0, 1};
+
+    void file(StateWalker& walker) override;
 };
 
 struct ArcState : ClonedState<ArcState, CircleState> {
     double startAngle = 0, endAngle = 0;  // radians in [0, 2 pi)
+
+    void file(StateWalker& walker) override;
 };
 
 struct PolylineVertex {
@@ -48,6 +54,7 @@ struct PolylineState : ClonedState<PolylineState, EntityState> {
     // asked for; whoever changes vertices or the closed flag empties it.
     mutable std::vector<double> lengths;
 
+    void file(StateWalker& walker) override;
     bool isClosed() const { return (flags & kClosed) != 0; }
     std::size_t segmentCount() const {
         return vertices.size() < 2 ? 0 : vertices.size() - (isClosed() ? 0 : 1);

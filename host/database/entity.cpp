@@ -170,6 +170,13 @@ Acad::ErrorStatus AcDbEntity::dxfInFields(AcDbDxfFiler* filer) {
     return state ? readSubclass(filer, L"AcDbEntity", *state, kFields) : Acad::eNotOpenForWrite;
 }
 
+Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* filer) const {
+    return AcDbObject::dwgOutFields(filer);
+}
+Acad::ErrorStatus AcDbEntity::dwgInFields(AcDbDwgFiler* filer) {
+    return AcDbObject::dwgInFields(filer);
+}
+
 Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents& extents) const {
     AcDbExtents own;
     if (const auto status = subGetGeomExtents(own); status != Acad::eOk)
@@ -198,6 +205,12 @@ Acad::ErrorStatus AcDbEntity::explode(AcDbEntityArray& parts) const {
 }
 void AcDbEntity::list() const {
     subList();
+}
+bool AcDbEntity::isPlanar() const {
+    return false;
+}
+Acad::ErrorStatus AcDbEntity::getPlane(AcGePlane&, AcDb::Planarity&) const {
+    return Acad::eNotApplicable;
 }
 
 Acad::ErrorStatus AcDbEntity::subGetGeomExtents(AcDbExtents&) const {

@@ -216,6 +216,37 @@ std::vector<DxfGroup> readAll(AcDbDxfFiler& filer) {
 }  // namespace
 }  // namespace drafthost
 
+AcDbAuditInfo::~AcDbAuditInfo() = default;
+
+Acad::ErrorStatus AcDbObject::audit(AcDbAuditInfo*) {
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbObject::dwgOut(AcDbDwgFiler* filer) const {
+    return filer ? dwgOutFields(filer) : Acad::eInvalidInput;
+}
+
+Acad::ErrorStatus AcDbObject::dwgIn(AcDbDwgFiler* filer) {
+    if (!filer)
+        return Acad::eInvalidInput;
+    return prepareWrite(this) ? dwgInFields(filer) : Acad::eNotOpenForWrite;
+}
+
+// The state holds all members of the host's own classes, whichever class this is.
+Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* filer) const {
+    return fileStateOut(*filer, *imp_->state);
+}
+
+Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* filer) {
+    if (!prepareWrite(this))
+        return Acad::eNotOpenForWrite;
+    std::unique_ptr<ObjectState> read = imp_->state->clone();
+    if (const auto status = fileStateIn(*filer, *read); status != Acad::eOk)
+        return status;
+    imp_->state = std::move(read);
+    return Acad::eOk;
+}
+
 Acad::ErrorStatus AcDbObject::dxfOut(AcDbDxfFiler* filer) const {
     if (!filer)
         return Acad::eInvalidInput;

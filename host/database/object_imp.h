@@ -13,6 +13,7 @@
 
 #include "host/api/object.h"
 #include "host/database/dxf_group.h"
+#include "host/database/state_filing.h"
 
 struct AcDbStub;
 
@@ -41,6 +42,8 @@ struct ObjectState {
         owner = extensionDictionary = AcDbObjectId();
         reactors.clear();
     }
+    // Walks over all members. Each class walks over its parent's first.
+    virtual void file(StateWalker& walker);
     // For classes that keep a quick copy of what extended data say.
     virtual void extendedDataChanged() {}
 };
@@ -61,6 +64,8 @@ struct EntityState : ObjectState {
     std::int32_t trueColor = -1;
     std::int32_t lineWeight = AcDb::kLnWtByLayer;
     std::int32_t invisible = 0;
+
+    void file(StateWalker& walker) override;
 };
 
 struct ObjectImp {

@@ -15,11 +15,15 @@ struct TableState : ClonedState<TableState, ObjectState> {
     std::vector<AcDbObjectId> records;  // in table order, erased ones too
     // By folded name (foldCase). A name of an erased record that was taken again belongs to the new one.
     std::unordered_map<std::wstring, AcDbObjectId> byName;
+
+    void file(StateWalker& walker) override;
 };
 
 struct RecordState : ObjectState {
     std::wstring name;
     std::int32_t flags = 0;  // group 70
+
+    void file(StateWalker& walker) override;
 };
 
 struct BlockState : ClonedState<BlockState, RecordState> {
@@ -29,6 +33,8 @@ struct BlockState : ClonedState<BlockState, RecordState> {
     std::wstring description;
     std::wstring externalPath;  // of an external reference
     AcDbObjectId layout;        // AcDbLayout of model and paper space; null for blocks
+
+    void file(StateWalker& walker) override;
 };
 
 struct LayerState : ClonedState<LayerState, RecordState> {
@@ -39,6 +45,8 @@ struct LayerState : ClonedState<LayerState, RecordState> {
     bool off = false;
     bool plottable = true;
     AcDbObjectId plotStyle;
+
+    void file(StateWalker& walker) override;
 };
 
 // One dash, gap or dot, with the embedded shape or text it may carry (groups 74, 75, 340, 46, 50, 44, 45, 9
@@ -53,6 +61,8 @@ struct LinetypeState : ClonedState<LinetypeState, RecordState> {
     std::int32_t alignment = 65;
     double patternLength = 0;
     std::vector<LinetypeElement> elements;
+
+    void file(StateWalker& walker) override;
 };
 
 struct TextStyleState : ClonedState<TextStyleState, RecordState> {
@@ -66,12 +76,15 @@ struct TextStyleState : ClonedState<TextStyleState, RecordState> {
     std::wstring typeface;  // copy of what extended data of "ACAD" say, for quick reading
     std::int32_t fontFlags = 0;
 
+    void file(StateWalker& walker) override;
     void extendedDataChanged() override;
 };
 
 struct PlainRecordState : ClonedState<PlainRecordState, RecordState> {
     std::wstring kind;
     std::vector<DxfGroup> groups;  // behind the name and flags, as read
+
+    void file(StateWalker& walker) override;
 };
 
 struct RegAppState : ClonedState<RegAppState, RecordState> {};
@@ -85,6 +98,8 @@ struct DictionaryState : ClonedState<DictionaryState, ObjectState> {
     std::vector<Entry> entries;
     std::int32_t hardOwner = 0;  // group 280
     std::int32_t cloning = 1;    // group 281
+
+    void file(StateWalker& walker) override;
 };
 
 }  // namespace drafthost

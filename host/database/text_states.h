@@ -29,6 +29,8 @@ struct TextState : ClonedState<TextState, EntityState> {
     std::int32_t horizontal = 0, vertical = 0;
     AcGeVector3d normal{0, 0, 1};
 
+    void file(StateWalker& walker) override;
+
     static constexpr std::int32_t kBackward = 2, kUpsideDown = 4;
     static constexpr std::int32_t kAligned = 3, kMiddle = 4, kFit = 5;  // of horizontal
 };
@@ -40,6 +42,8 @@ struct AttributeState : ClonedState<AttributeState, TextState> {
     std::int32_t fieldLength = 0;
     std::int32_t version = 0;
     std::int32_t lockPosition = 0;
+
+    void file(StateWalker& walker) override;
 
     static constexpr std::int32_t kInvisible = 1, kConstant = 2;
 };
@@ -65,6 +69,8 @@ struct MTextState : ClonedState<MTextState, EntityState> {
     std::int32_t backgroundTransparency = 0;
     // Remembered while the background is off, when backgroundFlags says nothing about it.
     bool useBackgroundColor = false;
+
+    void file(StateWalker& walker) override;
 };
 
 // How a text style draws.

@@ -12,6 +12,8 @@ namespace drafthost {
 struct UnknownObjectState : ClonedState<UnknownObjectState, ObjectState> {
     std::wstring dxfName;
     std::vector<DxfGroup> groups;  // from the first subclass marker on, extended data left out
+
+    void file(StateWalker& walker) override;
 };
 
 struct UnknownEntityState : ClonedState<UnknownEntityState, EntityState> {
@@ -20,6 +22,7 @@ struct UnknownEntityState : ClonedState<UnknownEntityState, EntityState> {
     std::vector<AcDbObjectId>
         subEntities;  // vertices and the end of their sequence, when the entity has some
 
+    void file(StateWalker& walker) override;
     void becomeCopy() override {
         EntityState::becomeCopy();
         subEntities.clear();

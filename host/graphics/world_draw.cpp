@@ -5,6 +5,10 @@ AcGiSubEntityTraits::~AcGiSubEntityTraits() = default;
 AcGiWorldGeometry::~AcGiWorldGeometry() = default;
 AcGiWorldDraw::~AcGiWorldDraw() = default;
 
+bool AcGiDrawable::rolloverHit(std::uint64_t, std::uint64_t, bool) {
+    return false;
+}
+
 bool AcGiDrawable::worldDraw(AcGiWorldDraw* worldDraw) {
     return worldDraw && subWorldDraw(worldDraw);
 }

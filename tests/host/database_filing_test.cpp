@@ -246,8 +246,8 @@ AcRxClass* Marker::isA() const {
 class ModuleClasses : public DrawingTest {
 protected:
     static void load() {
-        markerClass =
-            newAcRxClass(L"Marker", L"AcDbEntity", &constructObject<Marker>, L"MARKER", L"TestModule", 0);
+        markerClass = newAcRxClass(L"Marker", L"AcDbEntity", 1, 1, kProxyNoOperation,
+                                   &constructObject<Marker>, L"MARKER", L"TestModule");
         acrxBuildClassHierarchy();
     }
     static void unload() {
@@ -259,8 +259,8 @@ protected:
 TEST_F(ModuleClasses, AreRegisteredOnceAndDerive) {
     load();
     ASSERT_TRUE(markerClass);
-    EXPECT_EQ(newAcRxClass(L"Marker", L"AcDbEntity", nullptr, nullptr, L"x", 0), nullptr);
-    EXPECT_EQ(newAcRxClass(L"Other", L"NoSuchParent", nullptr, nullptr, L"x", 0), nullptr);
+    EXPECT_EQ(newAcRxClass(L"Marker", L"AcDbEntity", 1, 1, 0, nullptr, nullptr, L"x"), nullptr);
+    EXPECT_EQ(newAcRxClass(L"Other", L"NoSuchParent", 1, 1, 0, nullptr, nullptr, L"x"), nullptr);
     EXPECT_EQ(acrxFindClass(L"Marker"), markerClass);
     EXPECT_TRUE(markerClass->isDerivedFrom(AcDbObject::desc()));
     EXPECT_FALSE(AcDbEntity::desc()->isDerivedFrom(markerClass));
