@@ -20,6 +20,12 @@ readable_file() {
     windows_path "$1"
 }
 
+# readable_folder FOLDER: a folder to search.
+readable_folder() {
+    [[ -d $1 && -r $1 && -x $1 ]] || fail "$STATUS_USAGE" "there is no readable folder $1"
+    windows_path "$(cd -- "$1" && pwd -P)"
+}
+
 # output_file FILE EXTENSION...: a file that will be written.
 output_file() {
     local file=$1 extension
@@ -40,10 +46,20 @@ parse_run_option() {
     --open | --answers | --save | --picture | --export)
         [ $# -ge 2 ] || fail "$STATUS_USAGE" "$1 needs a file name"
         ;;
+    --support)
+        [ $# -ge 2 ] || fail "$STATUS_USAGE" "$1 needs a folder"
+        ;;
+    --picture-size)
+        [[ $# -ge 2 && $2 =~ ^[1-9][0-9]{1,4}$ && $2 -ge 16 && $2 -le 10000 ]] ||
+            fail "$STATUS_USAGE" "$1 needs a number from 16 to 10000"
+        HOST_ARGUMENTS+=("$1" "$2")
+        return
+        ;;
     *) fail "$STATUS_USAGE" "unknown option $1" "./tessary help lists the options" ;;
     esac
     case $1 in
     --open | --answers) readable_file "$2" ;;
+    --support) readable_folder "$2" ;;
     --save) output_file "$2" .dxf ;;
     --picture) output_file "$2" .png .svg ;;
     --export) output_file "$2" .stl .obj ;;
@@ -75,14 +91,13 @@ parse_run_arguments() {
     HOST_ARGUMENTS+=("${programs[@]}")
 }
 
-# parse_repl_arguments ARGUMENT...: the same for `./tessary repl`, which only opens a drawing.
+# parse_repl_arguments ARGUMENT...: the same for `./tessary repl`, which only opens a drawing and searches folders.
 parse_repl_arguments() {
     HOST_ARGUMENTS=()
     while [ $# -gt 0 ]; do
-        [[ $1 = --open && $# -ge 2 ]] ||
-            fail "$STATUS_USAGE" "unusable argument $1" "./tessary repl [--open FILE]"
-        readable_file "$2"
-        HOST_ARGUMENTS+=(--open "$WINDOWS_PATH")
+        [[ $1 = --@(open|support) && $# -ge 2 ]] ||
+            fail "$STATUS_USAGE" "unusable argument $1" "./tessary repl [--open FILE] [--support FOLDER]"
+        parse_run_option "$1" "$2"
         shift 2
     done
 }

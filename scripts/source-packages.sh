@@ -81,3 +81,24 @@ ensure_sqlite() {
     done
     printf '%s\n' "$version" >"$install/version"
 }
+
+# ensure_libdxfrw: libdxfrw, which is part of LibreCAD, in build/third_party/libdxfrw, with our patch, as sources: they are
+# compiled with the DWG reader.
+ensure_libdxfrw() {
+    local version=${SOURCE_VERSIONS[librecad]} install="$THIRD_PARTY/libdxfrw" key
+    local patch="$TESSARY_ROOT/dwgreader/libdxfrw.patch"
+    key="$version, patch $(cksum <"$patch")"
+    [ "$(cat "$install/version" 2>/dev/null)" != "$key" ] || return 0
+    say "[2/4] libdxfrw of LibreCAD $version"
+    fetch_source librecad
+    local sources=("$THIRD_PARTY"/librecad-source/librecad-*/)
+    rm -rf "$install" "$install.new"
+    mkdir -p "$install.new"
+    cp -r "${sources[0]}/libraries/libdxfrw/src" "$install.new/" ||
+        fail "$STATUS_SETUP" "the source of LibreCAD has no libraries/libdxfrw/src"
+    logged patch-libdxfrw patch -d "$install.new" -p1 --no-backup-if-mismatch -i "$patch" ||
+        fail "$STATUS_SETUP" "dwgreader/libdxfrw.patch does not fit libdxfrw of LibreCAD $version"
+    rm -rf "$THIRD_PARTY/librecad-source"
+    printf '%s\n' "$key" >"$install.new/version"
+    mv "$install.new" "$install"
+}

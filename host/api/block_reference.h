@@ -16,7 +16,7 @@ public:
     double rotation() const;
     Acad::ErrorStatus setRotation(double angle);
     AcGeVector3d scaleFactors() const;
-    Acad::ErrorStatus setScaleFactors(const AcGeVector3d& factors);
+    Acad::ErrorStatus setScaleFactors(const AcGeVector3d& factors);  // finite; zero: nothing to be seen
     AcGeVector3d normal() const;
     Acad::ErrorStatus setNormal(const AcGeVector3d& normal);
     // From block coordinates to world coordinates, base point included.

@@ -108,7 +108,7 @@ public:
     };
     virtual ~AcDbHostApplicationServices();
     // Where the file is on the search path: the name itself when it is an existing path, the drawing's
-    // folder, the support path. eFileNotFound. database: whose folder to search, may be null.
+    // folder, the support path. eFileNotFound. database: whose folder to search; null: the working one's.
     virtual Acad::ErrorStatus findFile(ACHAR* pathOut, int bufferLength, const ACHAR* fileName,
                                        AcDbDatabase* database = nullptr, FindFileHint hint = kDefault) = 0;
     virtual AcDbDatabase* workingDatabase() const = 0;

@@ -85,7 +85,8 @@ Acad::ErrorStatus appendToBlock(AcDbBlockTableRecord& block, AcDbEntity* entity,
     if (status != Acad::eOk)
         return status;
     adoptProperties(static_cast<EntityState&>(*ObjectImp::of(entity).state), database);
-    noteChange(*ObjectImp::of(&block).stub);
+    // The list is not saved for the logs: see change_log.h.
+    ObjectImp::of(&block).stub->modified = true;
     auto& entities = static_cast<BlockState&>(*ObjectImp::of(&block).state).entities;
     id.stub()->place = static_cast<std::uint32_t>(entities.size());
     entities.push_back(id);

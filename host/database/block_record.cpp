@@ -27,7 +27,7 @@ const BlockState& blockOf(const AcDbBlockTableRecord* record) {
 }
 
 void setErased(AcDbObjectId id, bool erasing) {
-    if (!id.isValid() || id.stub()->erased == erasing)
+    if (!id.isValid() || id.stub()->erased == erasing || id.stub()->undone)
         return;
     noteChange(*id.stub());
     id.stub()->erased = erasing;
@@ -50,7 +50,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbE
         return Acad::eNotInDatabase;
     if (!entity->objectId().isNull())
         return Acad::eAlreadyInDb;
-    if (!prepareWrite(this))
+    if (!isWriteEnabled())
         return Acad::eNotOpenForWrite;
     return appendToBlock(*this, entity, AcDbHandle(), id);
 }

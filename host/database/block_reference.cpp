@@ -35,6 +35,10 @@ bool hasAttributes(const State& state) {
 bool isArray(const State& state) {
     return state.columns > 1 || state.rows > 1;
 }
+// Programs that make a reference with a factor of zero have miscalculated; files may have some.
+bool hasZeroScale(const State& state) {
+    return state.scaleX == 0 || state.scaleY == 0 || state.scaleZ == 0;
+}
 bool isForLisp(const GroupFiler& filer) {
     return filer.filerType() == AcDb::kBagFiler;
 }
@@ -55,9 +59,7 @@ constexpr DxfField scaleRow(short code) {
                     filer.writeItem(field.code, scale);
             },
             [](ObjectState& state, const DxfField&, const DxfGroup& group, AcDbDatabase*) {
-                double& scale = static_cast<State&>(state).*Member;
-                // A factor of zero would make the reference invisible and its transform singular.
-                return detail::readValue(group, scale) && scale != 0;
+                return detail::readValue(group, static_cast<State&>(state).*Member);
             }};
 }
 
@@ -181,8 +183,8 @@ AcGeVector3d AcDbBlockReference::scaleFactors() const {
 }
 
 Acad::ErrorStatus AcDbBlockReference::setScaleFactors(const AcGeVector3d& factors) {
-    const double product = factors.x * factors.y * factors.z;
-    if (!std::isfinite(product) || product == 0)
+    // Zero is no error: what an entity draws as a part of itself may shrink to nothing.
+    if (!std::isfinite(factors.x) || !std::isfinite(factors.y) || !std::isfinite(factors.z))
         return Acad::eInvalidInput;
     State* const state = writeState<State>(this);
     if (!state)
@@ -260,6 +262,7 @@ Acad::ErrorStatus AcDbBlockReference::dxfInFields(AcDbDxfFiler* filer) {
     if (const auto status = AcDbEntity::dxfInFields(filer); status != Acad::eOk)
         return status;
     State* const state = writeState<State>(this);
+    auto* const groups = dynamic_cast<GroupFiler*>(filer);
     state->rotation = angleToFile(filer, state->rotation);
     auto status = readSubclass(filer, kSubclass, *state, kFields);
     if (status == Acad::eBadDxfSequence)
@@ -268,6 +271,10 @@ Acad::ErrorStatus AcDbBlockReference::dxfInFields(AcDbDxfFiler* filer) {
     for (ExtraGroup& extra : state->extras) {
         if (extra.subclass == kArraySubclass)
             extra.subclass = kSubclass;
+    }
+    if (status == Acad::eOk && groups && isForLisp(*groups) && hasZeroScale(*state)) {
+        groups->setProblem(L"groups 41 to 43: zero is no scale");
+        return Acad::eInvalidInput;
     }
     return status;
 }

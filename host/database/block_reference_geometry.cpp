@@ -7,6 +7,7 @@
 #include "host/api/block_reference.h"
 #include "host/api/database.h"
 #include "host/api/editor.h"
+#include "host/database/block_places.h"
 #include "host/database/block_reference_state.h"
 #include "host/database/database_impl.h"
 #include "host/database/nesting.h"
@@ -185,6 +186,33 @@ bool areOrthogonal(const AcGeVector3d& a, const AcGeVector3d& b) {
 
 }  // namespace
 
+namespace drafthost {
+
+void forEachPlace(const BlockReferenceState& reference,
+                  const std::function<void(const AcGeMatrix3d&)>& visit) {
+    forEachCell(reference, visit);
+}
+
+std::vector<AcDbEntity*> shownBlockEntities(AcDbObjectId block) {
+    return shownEntities(block);
+}
+
+bool losesParts(const AcDbBlockReference& reference) {
+    const State& state = stateOf(&reference);
+    const AcGeMatrix3d matrix = cellTransform(state, 0, 0);
+    bool complete = true;
+    for (const AcDbEntity* const entity : shownEntities(state.block)) {
+        AcDbEntityArray copies;
+        complete =
+            complete && (AcDbAttributeDefinition::cast(entity) || appendTransformed(copies, *entity, matrix));
+        for (AcDbEntity* const copy : copies)
+            delete copy;
+    }
+    return !complete;
+}
+
+}  // namespace drafthost
+
 AcGeMatrix3d AcDbBlockReference::blockTransform() const {
     return cellTransform(stateOf(this), 0, 0);
 }
@@ -194,7 +222,10 @@ bool AcDbBlockReference::subWorldDraw(AcGiWorldDraw* worldDraw) {
     const BlockVisit visit(state.block);
     if (!visit.entered())
         return true;
-    const std::vector<AcDbEntity*> entities = shownEntities(state.block);
+    // At a scale of zero the contents would be left as dots.
+    const bool vanishes = state.scaleX == 0 && state.scaleY == 0;
+    const std::vector<AcDbEntity*> entities =
+        vanishes ? std::vector<AcDbEntity*>() : shownEntities(state.block);
     AcGiWorldGeometry& geometry = worldDraw->geometry();
     forEachCell(state, [&](const AcGeMatrix3d& matrix) {
         if (worldDraw->regenAbort())
@@ -287,7 +318,13 @@ Acad::ErrorStatus AcDbBlockReference::subTransformBy(const AcGeMatrix3d& matrix)
 // Attributes have no place outside their reference and are dropped; round parts that cannot take an uneven
 // scale too.
 Acad::ErrorStatus AcDbBlockReference::subExplode(AcDbEntityArray& parts) const {
-    const State& state = stateOf(this);
+    State state = stateOf(this);
+    // Parts without any extent would be degenerate, and none of them could be told apart.
+    if (state.scaleX == 0 || state.scaleY == 0)
+        return Acad::eDegenerateGeometry;
+    // Writers of flat drawings say zero along Z, where nothing has any height.
+    if (state.scaleZ == 0)
+        state.scaleZ = std::abs(state.scaleX);
     const std::vector<AcDbEntity*> entities = shownEntities(state.block);
     forEachCell(state, [&](const AcGeMatrix3d& matrix) {
         for (const AcDbEntity* const entity : entities) {
@@ -333,4 +370,8 @@ void AcDbBlockReference::subList() const {
                L"  rotation angle %g\n  Z scale factor %g\n",
                recordName(blockTableRecord()).c_str(), place.x, place.y, place.z, scale.x, scale.y,
                rotation() * 180 / 3.14159265358979323846, scale.z);
+    for (const AcDbObjectId id : attributeIds()) {
+        if (const auto* const attribute = id.isErased() ? nullptr : peek<AcDbAttribute>(id))
+            acutPrintf(L"  attribute %ls = \"%ls\"\n", attribute->tag(), attribute->textString());
+    }
 }

@@ -3,6 +3,7 @@
 #include "host/api/block_reference.h"
 #include "host/api/curves.h"
 #include "host/api/database.h"
+#include "host/api/point.h"
 #include "host/api/text_entities.h"
 #include "host/database/sequence_entities.h"
 #include "host/database/unknown_objects.h"
@@ -21,6 +22,7 @@ std::span<const ClassDescriptor> builtInClasses() {
         &AcDbCircle::desc,
         &AcDbArc::desc,
         &AcDbPolyline::desc,
+        &AcDbPoint::desc,
         &AcDbText::desc,
         &AcDbAttributeDefinition::desc,
         &AcDbAttribute::desc,

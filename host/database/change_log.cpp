@@ -5,20 +5,30 @@
 #include <utility>
 
 #include "host/database/database_impl.h"
-#include "host/database/group_filer.h"
+#include "host/database/open_state.h"
+#include "host/database/proxies.h"
+#include "host/database/table_states.h"
 
 namespace drafthost {
 namespace {
 
-// Objects of modules keep their contents in members of their own; what they file is what is saved.
-bool isOfModule(const AcDbObject& object) {
-    return object.isA()->appName() != nullptr;
+void eraseLast(std::vector<AcDbObjectId>& ids, AcDbObjectId id) {
+    const auto found = std::ranges::find(ids.rbegin(), ids.rend(), id);
+    if (found != ids.rend())
+        ids.erase(std::next(found).base());
 }
 
-std::vector<DxfGroup> fields(const AcDbObject& object, AcDbDatabase* database) {
-    GroupFiler filer(database, AcDb::kUndoFiler);
-    object.dxfOutFields(&filer);
-    return std::move(filer.groups());
+// An object that ends for good leaves the list that it was put at the end of.
+void leaveOwner(const AcDbStub& stub, AcDbObjectId id) {
+    const AcDbObjectId owner = ObjectImp::of(stub.object).state->owner;
+    if (const auto* const block = peek<AcDbBlockTableRecord>(owner))
+        eraseLast(static_cast<BlockState&>(*ObjectImp::of(block).state).entities, id);
+    const auto* const table = peek<AcDbSymbolTable>(owner);
+    if (!table)
+        return;
+    auto& state = static_cast<TableState&>(*ObjectImp::of(table).state);
+    eraseLast(state.records, id);
+    std::erase_if(state.byName, [id](const auto& entry) { return entry.second == id; });
 }
 
 }  // namespace
@@ -28,10 +38,10 @@ ChangeLog::Saved ChangeLog::snapshot(const AcDbStub& stub) {
     if (!stub.object)
         return saved;
     saved.state = ObjectImp::of(stub.object).state->clone();
-    if (isOfModule(*stub.object))
-        saved.groups = fields(*stub.object, stub.database);
+    if (stub.object->isA()->appName())
+        saved.fields = std::make_unique<SavedFields>(*stub.object);
     saved.erased = stub.erased;
-    saved.cls = stub.object->isA();
+    saved.undone = stub.undone;
     return saved;
 }
 
@@ -56,6 +66,14 @@ void ChangeLog::beforeSettingsChange(const DatabaseSettings& settings) {
         settings_ = settings;
 }
 
+bool ChangeLog::holdsOpenObject() const {
+    return std::ranges::any_of(order_, [](const AcDbStub* stub) { return stub->object && isOpen(*stub); });
+}
+
+void ChangeLog::forgetRemoved() {
+    std::erase_if(order_, [this](AcDbStub* stub) { return !stub->object && entries_.erase(stub) > 0; });
+}
+
 void ChangeLog::mergeInto(ChangeLog& older) {
     for (AcDbStub* const stub : order_) {
         if (older.entries_.try_emplace(stub, std::move(entries_[stub])).second)
@@ -64,6 +82,15 @@ void ChangeLog::mergeInto(ChangeLog& older) {
     if (settings_ && !older.settings_)
         older.settings_ = std::move(settings_);
     *this = ChangeLog();
+}
+
+// The object may have become a proxy meanwhile, or a proxy an object.
+void ChangeLog::restore(AcDbStub& stub, Saved& saved) {
+    if (saved.fields)
+        return saved.fields->restore(stub, std::move(saved.state));
+    if (std::unique_ptr<AcDbObject> proxy = proxyOfState(saved.state))
+        return putBack(stub, std::move(proxy));
+    ObjectImp::of(stub.object).state = std::move(saved.state);
 }
 
 ChangeLog ChangeLog::revert(AcDbDatabase& database, Removal removal) {
@@ -78,22 +105,17 @@ ChangeLog ChangeLog::revert(AcDbDatabase& database, Removal removal) {
             redo.order_.push_back(stub);
         }
         if (saved.added) {
-            if (removal == Removal::ForGood)
+            if (removal == Removal::ForGood) {
+                leaveOwner(*stub, AcDbObjectId(stub));
                 impl.remove(stub);
-            else
-                stub->erased = true;
+            } else {
+                stub->erased = stub->undone = true;
+            }
             continue;
         }
         stub->erased = saved.erased;
-        if (saved.cls != stub->object->isA())
-            continue;
-        ObjectImp::of(stub->object).state = std::move(saved.state);
-        if (saved.groups.empty())
-            continue;
-        GroupFiler filer(&database, std::move(saved.groups), AcDb::kUndoFiler);
-        const bool wasLoading = std::exchange(impl.loading, true);  // the object need not be open
-        stub->object->dxfInFields(&filer);
-        impl.loading = wasLoading;
+        stub->undone = saved.undone;
+        restore(*stub, saved);
     }
     if (settings_) {
         if (removal == Removal::AsErased)

@@ -5,6 +5,9 @@
 //
 // An object's contents are saved once, before its first change. Objects that were added are remembered as
 // such; taking back removes them. All logs of a database are told of every change (AcDbDatabase::Impl::logs).
+//
+// That an entity or record went to the end of its owner's list is not saved: lists hold erased members
+// anyway, and saving a block's whole list with each entity that is drawn would cost more than the drawing.
 
 #include <memory>
 #include <optional>
@@ -13,6 +16,7 @@
 
 #include "host/database/header_variables.h"
 #include "host/database/object_imp.h"
+#include "host/database/saved_fields.h"
 
 namespace drafthost {
 
@@ -32,6 +36,11 @@ public:
 
     bool empty() const { return entries_.empty() && !settings_; }
 
+    // One of its objects is open, so nothing may be taken back now.
+    bool holdsOpenObject() const;
+    // Drops objects that ended for good since.
+    void forgetRemoved();
+
     // Adds what this log knows to an older one that covers a longer time.
     void mergeInto(ChangeLog& older);
 
@@ -42,13 +51,14 @@ public:
 
 private:
     struct Saved {
-        std::unique_ptr<ObjectState> state;  // null for objects that were added
-        std::vector<DxfGroup> groups;        // contents of a class of a module, which has no state of ours
-        const AcRxClass* cls = nullptr;      // only compared: the object may have become a proxy meanwhile
+        std::unique_ptr<ObjectState> state;   // null for objects that were added
+        std::unique_ptr<SavedFields> fields;  // of an object of a module's class, beside its state
         bool erased = false;
+        bool undone = false;
         bool added = false;
     };
     static Saved snapshot(const AcDbStub& stub);
+    static void restore(AcDbStub& stub, Saved& saved);
     std::unordered_map<AcDbStub*, Saved> entries_;
     std::vector<AcDbStub*> order_;  // of the entries, oldest first
     std::optional<DatabaseSettings> settings_;

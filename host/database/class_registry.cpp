@@ -1,9 +1,5 @@
 #include "host/database/class_registry.h"
 
-#include <cstdarg>
-#include <cstdio>
-#include <cstdlib>
-
 #include <memory>
 #include <unordered_map>
 
@@ -17,6 +13,9 @@ namespace {
 // All descriptors of the process. Made when the first class registers; lives until the process ends, because
 // modules' objects may ask for their class during shutdown.
 struct ClassRegistry {
+    // Descriptors of classes that went: modules may still have their addresses at hand and ask with them.
+    std::vector<std::unique_ptr<AcRxClass>> gone;
+    std::unordered_map<const AcRxClass*, AcRxClass::Impl*> insides;
     std::unordered_map<std::wstring, std::unique_ptr<AcRxClass>> byName;
     std::unordered_map<std::wstring, AcRxClass*> byDxfName;  // by folded name
 };
@@ -62,6 +61,7 @@ AcRxClass* insert(std::unique_ptr<AcRxClass::Impl> impl, const std::vector<const
     AcRxClass* const result = descriptor.get();
     raw->ancestors = parentLine;
     raw->ancestors.push_back(result);
+    registry().insides.emplace(result, raw);
     registry().byName.emplace(name, std::move(descriptor));
     if (!dxfName.empty())
         registry().byDxfName.emplace(dxfName, result);
@@ -132,17 +132,6 @@ AcRxDictionary* acrxSysRegistry() {
     return &registry;
 }
 
-void acrx_abort(const ACHAR* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    std::fputws(L"\nFATAL ERROR: ", stderr);
-    std::vfwprintf(stderr, format, arguments);
-    std::fputws(L"\n", stderr);
-    va_end(arguments);
-    std::fflush(nullptr);
-    std::_Exit(3);
-}
-
 AcRxClass::AcRxClass(Impl* impl) : impl_(impl) {}
 AcRxClass::~AcRxClass() {
     delete impl_;
@@ -188,8 +177,8 @@ AcRxClass* newAcRxClass(const ACHAR* name, const ACHAR* parentName, int dwgVersi
     if (dxfName && *dxfName && drafthost::findClassByDxfName(dxfName))
         return nullptr;
     auto impl = drafthost::describe(name, parent, dxfName, constructor);
-    if (appName)
-        impl->appName = appName;
+    // A class of a module is told by its application, so each has one.
+    impl->appName = appName && *appName ? appName : name;
     impl->proxyFlags = proxyFlags;
     impl->dwgVersion = dwgVersion;
     impl->maintenanceVersion = maintenanceVersion;
@@ -199,11 +188,22 @@ AcRxClass* newAcRxClass(const ACHAR* name, const ACHAR* parentName, int dwgVersi
 void deleteAcRxClass(AcRxClass* cls) {
     if (!cls || !cls->appName())
         return;  // the built-in classes stay
-    drafthost::replaceObjectsByProxies(cls);
     auto& classes = drafthost::registry();
-    if (cls->dxfName())
-        classes.byDxfName.erase(drafthost::foldCase(cls->dxfName()));
-    classes.byName.erase(cls->name());
+    const auto entry = classes.byName.find(cls->name());
+    if (entry == classes.byName.end() || entry->second.get() != cls)
+        return;  // it went before
+    // What derives from it cannot stay without it. Their objects go together with its own.
+    drafthost::replaceObjectsByProxies(cls);
+    std::erase_if(classes.byDxfName, [cls](const auto& known) { return known.second->isDerivedFrom(cls); });
+    for (auto known = classes.byName.begin(); known != classes.byName.end();) {
+        if (!known->second->isDerivedFrom(cls)) {
+            ++known;
+            continue;
+        }
+        classes.insides.at(known->second.get())->constructor = nullptr;  // its module's code goes
+        classes.gone.push_back(std::move(known->second));
+        known = classes.byName.erase(known);
+    }
 }
 
 AcRxClass* acrxFindClass(const ACHAR* name) {

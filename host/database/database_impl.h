@@ -34,6 +34,7 @@ struct AcDbStub {
     bool transactionRead = false;   // one of the readers is a transaction
     bool transactionWrite = false;  // the writer is a transaction
     bool erased = false;
+    bool undone = false;    // erased because undo took its creation back; only redo restores it
     bool modified = false;  // changed since it was opened for write
 };
 
@@ -87,8 +88,12 @@ struct AcDbDatabase::Impl {
     // While a file is read: no locks, nothing is logged, and handles may be referred to before their objects
     // come.
     bool loading = false;
-    // Logs that are told of every change: the innermost transaction's and the undo step's. Not owned.
+    // Logs that are told of every change: the innermost transaction's, or outside of transactions the undo
+    // step's. Not owned.
     std::vector<drafthost::ChangeLog*> logs;
+    // The log of the undo step in progress, which gets a transaction's changes when it ends; not owned. Null
+    // when nothing is recorded.
+    drafthost::ChangeLog* undoStep = nullptr;
     std::unique_ptr<drafthost::TransactionManager> transactions;
     std::vector<AcDbObject*> removedWhileOpen;  // owned
 

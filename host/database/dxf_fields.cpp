@@ -101,7 +101,10 @@ bool readValue(const DxfGroup& group, AcGeVector3d& value) {
         if (!(length > 1e-100))
             return false;
         // Unit vectors are kept to the last bit, so that files come out as they went in.
-        value = std::abs(length - 1) < 1e-9 ? vector : vector / length;
+        // The square of a very long one overflows, its direction does not.
+        value = std::abs(length - 1) < 1e-9 ? vector
+                : std::isfinite(length)     ? vector / length
+                                            : vector.normal();
         return true;
     }
     value = vector;

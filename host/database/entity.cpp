@@ -226,4 +226,12 @@ Acad::ErrorStatus AcDbEntity::subExplode(AcDbEntityArray&) const {
 void AcDbEntity::subList() const {
     acutPrintf(L"\n%ls  Layer: \"%ls\"  Handle = %ls\n", dxfNameOf(*this), recordName(layerId()).c_str(),
                handleText(handle()).c_str());
+    const auto* const block = peek<AcDbBlockTableRecord>(ownerId());
+    if (!block)
+        return;
+    const bool isLayout = !layoutName(*block).empty();
+    const std::wstring place = !isLayout              ? L"Block: \"" + recordName(ownerId()) + L"\""
+                               : isPaperSpace(*block) ? L"Space: Paper space"
+                                                      : L"Space: Model space";
+    acutPrintf(L"              %ls\n", place.c_str());
 }

@@ -1,5 +1,7 @@
 // entmod, entdel, entupd.
 
+#include <algorithm>
+
 #include "host/api/block_reference.h"
 #include "host/api/curves.h"
 #include "host/database/block_contents.h"
@@ -10,6 +12,7 @@
 #include "host/database/loading.h"
 #include "host/database/names.h"
 #include "host/database/open_state.h"
+#include "host/database/proxies.h"
 #include "host/database/sequence_entities.h"
 #include "host/database/symbol_records.h"
 #include "host/database/unknown_objects.h"
@@ -49,6 +52,39 @@ std::unique_ptr<AcDbObject> newLike(const AcDbObject& object) {
     return std::unique_ptr<AcDbObject>(newObjectFor(dxfNameOf(object), entity));
 }
 
+// Exactly: no tolerance.
+bool sameValue(const DxfGroup& a, const DxfGroup& b) {
+    if (a.code != b.code || a.value.index() != b.value.index())
+        return false;
+    return std::visit(
+        [&b]<class Value>(const Value& value) {
+            const auto& other = std::get<Value>(b.value);
+            if constexpr (std::is_same_v<Value, AcGePoint3d>)
+                return value.x == other.x && value.y == other.y && value.z == other.z;
+            else if constexpr (std::is_same_v<Value, AcGePoint2d>)
+                return value.x == other.x && value.y == other.y;
+            else if constexpr (std::is_same_v<Value, ObjectReference>)
+                return value.id == other.id;
+            else
+                return value == other;
+        },
+        a.value);
+}
+
+// A proxy's record goes with it, and with the record what every object keeps of groups that nobody knows: the
+// list has those among the groups of the class.
+void keepRecordOf(const KeptContents& from, const ObjectState& present, ObjectState& next) {
+    auto& to = dynamic_cast<KeptContents&>(next);
+    to.className = from.className;
+    to.proxyFlags = from.proxyFlags;
+    if (!from.hasRecord)
+        return;
+    to.record = from.record;
+    to.hasRecord = true;
+    to.wholeRecord = from.wholeRecord;
+    next.extras = present.extras;
+}
+
 // What an object's groups do not tell stays as it was.
 void keepTies(const AcDbObject& object, ObjectState& next) {
     const ObjectState& present = *ObjectImp::of(&object).state;
@@ -64,12 +100,26 @@ void keepTies(const AcDbObject& object, ObjectState& next) {
     if (AcDbUnknownEntity::cast(&object)) {
         const auto& from = static_cast<const UnknownEntityState&>(present);
         static_cast<UnknownEntityState&>(next).subEntities = from.subEntities;
+        static_cast<UnknownEntityState&>(next).graphics = from.graphics;
     }
+    if (const KeptContents* const from = keptContents(object))
+        keepRecordOf(*from, present, next);
 }
 
 Acad::ErrorStatus checkReference(const AcDbObject& object, const AcDbObject& next) {
     const auto* const reference = AcDbBlockReference::cast(&next);
     return reference ? mayReferTo(object.ownerId(), reference->blockTableRecord()) : Acad::eOk;
+}
+
+// Of a proxy, what its class allows may be changed, but never the class's own data.
+Acad::ErrorStatus checkProxy(const AcDbObject& object, const AcDbObject& next) {
+    if (!AcDbUnknownEntity::cast(&object) || !proxyFlags(object))
+        return Acad::eOk;
+    const auto& present = readState<UnknownEntityState>(&object);
+    const auto& changed = readState<UnknownEntityState>(&next);
+    if (!std::ranges::equal(present.groups, changed.groups, sameValue))
+        return Acad::eProxyRefused;
+    return mayTakeProperties(*AcDbEntity::cast(&object), changed);
 }
 
 // A record's new name goes through the table.
@@ -113,6 +163,8 @@ int modify(AcDbObject& object, const Groups& given) {
     Acad::ErrorStatus status = changeExtendedData(state, xdata, database);
     if (status == Acad::eOk)
         status = checkReference(object, *next);
+    if (status == Acad::eOk)
+        status = checkProxy(object, *next);
     if (status == Acad::eOk)
         status = renameLike(object, *next);
     if (status != Acad::eOk)

@@ -73,7 +73,7 @@ void changeSubEntities(const AcDbEntity& entity, const std::function<void(Entity
 
 void eraseSubEntities(const AcDbEntity& entity, bool erasing) {
     for (const AcDbObjectId id : subEntityIds(entity)) {
-        if (!id.isValid() || id.stub()->erased == erasing)
+        if (!id.isValid() || id.stub()->erased == erasing || id.stub()->undone)
             continue;
         noteChange(*id.stub());
         id.stub()->erased = erasing;

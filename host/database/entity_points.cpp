@@ -1,11 +1,16 @@
 // AcDbEntity: snap points, grips and stretch points, as entities have them whose class says nothing else.
 
 #include "host/api/entity.h"
+#include "host/geometry/tolerance.h"
+
+using namespace drafthost;
 
 Acad::ErrorStatus AcDbEntity::getOsnapPoints(AcDb::OsnapMode mode, std::int64_t marker,
                                              const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
                                              const AcGeMatrix3d& viewTransform, AcGePoint3dArray& snapPoints,
                                              AcDbIntArray& geometryIds) const {
+    if (!isFinite(pickPoint) || !isFinite(lastPoint))
+        return Acad::eInvalidInput;
     return subGetOsnapPoints(mode, marker, pickPoint, lastPoint, viewTransform, snapPoints, geometryIds);
 }
 
@@ -13,6 +18,8 @@ Acad::ErrorStatus AcDbEntity::getOsnapPoints(AcDb::OsnapMode mode, std::int64_t 
                                              const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
                                              const AcGeMatrix3d& viewTransform, AcGePoint3dArray& snapPoints,
                                              AcDbIntArray& geometryIds, const AcGeMatrix3d& insertion) const {
+    if (!isFinite(pickPoint) || !isFinite(lastPoint))
+        return Acad::eInvalidInput;
     return subGetOsnapPoints(mode, marker, pickPoint, lastPoint, viewTransform, snapPoints, geometryIds,
                              insertion);
 }
@@ -50,11 +57,15 @@ Acad::ErrorStatus AcDbEntity::getGripPoints(AcDbGripDataPtrArray& grips, double 
 }
 
 Acad::ErrorStatus AcDbEntity::moveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) {
+    if (!isFinite(offset))
+        return Acad::eInvalidInput;
     return assertWriteEnabled() ? subMoveGripPointsAt(indices, offset) : Acad::eNotOpenForWrite;
 }
 
 Acad::ErrorStatus AcDbEntity::moveGripPointsAt(const AcDbVoidPtrArray& gripData, const AcGeVector3d& offset,
                                                int flags) {
+    if (!isFinite(offset))
+        return Acad::eInvalidInput;
     return assertWriteEnabled() ? subMoveGripPointsAt(gripData, offset, flags) : Acad::eNotOpenForWrite;
 }
 
@@ -63,6 +74,8 @@ Acad::ErrorStatus AcDbEntity::getStretchPoints(AcGePoint3dArray& points) const {
 }
 
 Acad::ErrorStatus AcDbEntity::moveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) {
+    if (!isFinite(offset))
+        return Acad::eInvalidInput;
     return assertWriteEnabled() ? subMoveStretchPointsAt(indices, offset) : Acad::eNotOpenForWrite;
 }
 

@@ -4,6 +4,7 @@
 
 #include "host/database/database_impl.h"
 #include "host/database/entity_parts.h"
+#include "host/database/proxies.h"
 #include "host/database/resbuf_text.h"
 #include "host/database/table_states.h"
 
@@ -14,8 +15,8 @@ namespace {
 constexpr std::int32_t kLineWeights[] = {-3, -2, -1, 0,  5,  9,  13,  15,  18,  20,  25,  30,  35, 40,
                                          50, 53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
 
-// Sets a property of the entity and, when asked, of its sub-entities.
-Acad::ErrorStatus setProperty(AcDbEntity& entity, bool doSubents,
+// Changes the entity and, when asked, its sub-entities.
+Acad::ErrorStatus changeState(AcDbEntity& entity, bool doSubents,
                               const std::function<void(EntityState&)>& change) {
     auto* const state = writeState<EntityState>(&entity);
     if (!state)
@@ -24,6 +25,12 @@ Acad::ErrorStatus setProperty(AcDbEntity& entity, bool doSubents,
     if (doSubents)
         changeSubEntities(entity, change);
     return Acad::eOk;
+}
+
+// operation: what the class of a proxy must allow.
+Acad::ErrorStatus setProperty(AcDbEntity& entity, AcRxProxyFlags operation, bool doSubents,
+                              const std::function<void(EntityState&)>& change) {
+    return proxyRefuses(entity, operation) ? Acad::eProxyRefused : changeState(entity, doSubents, change);
 }
 
 // A record of the entity's own drawing; entities outside one may name any.
@@ -59,7 +66,8 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layerId, bool doSubents, boo
         return status;
     if (!allowHiddenLayer && peek<AcDbLayerTableRecord>(layerId)->isFrozen())
         return Acad::eInvalidInput;
-    return setProperty(*this, doSubents, [layerId](EntityState& state) { state.layer = layerId; });
+    return setProperty(*this, kProxyLayerChangeAllowed, doSubents,
+                       [layerId](EntityState& state) { state.layer = layerId; });
 }
 
 std::uint16_t AcDbEntity::colorIndex() const {
@@ -69,7 +77,7 @@ std::uint16_t AcDbEntity::colorIndex() const {
 Acad::ErrorStatus AcDbEntity::setColorIndex(std::uint16_t index, bool doSubents) {
     if (index > 256)
         return Acad::eInvalidInput;
-    return setProperty(*this, doSubents, [index](EntityState& state) {
+    return setProperty(*this, kProxyColorChangeAllowed, doSubents, [index](EntityState& state) {
         state.color = index;
         state.trueColor = -1;
     });
@@ -82,7 +90,8 @@ std::int32_t AcDbEntity::trueColor() const {
 Acad::ErrorStatus AcDbEntity::setTrueColor(std::int32_t rgb) {
     if (rgb < -1 || rgb > 0xFFFFFF)
         return Acad::eInvalidInput;
-    return setProperty(*this, false, [rgb](EntityState& state) { state.trueColor = rgb; });
+    return setProperty(*this, kProxyColorChangeAllowed, false,
+                       [rgb](EntityState& state) { state.trueColor = rgb; });
 }
 
 AcDbObjectId AcDbEntity::linetypeId() const {
@@ -103,7 +112,8 @@ Acad::ErrorStatus AcDbEntity::setLinetype(const ACHAR* name, bool doSubents) {
 Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId linetypeId, bool doSubents) {
     if (const auto status = checkRecord<AcDbLinetypeTableRecord>(*this, linetypeId); status != Acad::eOk)
         return status;
-    return setProperty(*this, doSubents, [linetypeId](EntityState& state) { state.linetype = linetypeId; });
+    return setProperty(*this, kProxyLinetypeChangeAllowed, doSubents,
+                       [linetypeId](EntityState& state) { state.linetype = linetypeId; });
 }
 
 double AcDbEntity::linetypeScale() const {
@@ -113,7 +123,8 @@ double AcDbEntity::linetypeScale() const {
 Acad::ErrorStatus AcDbEntity::setLinetypeScale(double scale, bool doSubents) {
     if (!(scale > 0) || !std::isfinite(scale))
         return Acad::eInvalidInput;
-    return setProperty(*this, doSubents, [scale](EntityState& state) { state.linetypeScale = scale; });
+    return setProperty(*this, kProxyLinetypeScaleChangeAllowed, doSubents,
+                       [scale](EntityState& state) { state.linetypeScale = scale; });
 }
 
 int AcDbEntity::lineWeight() const {
@@ -123,7 +134,8 @@ int AcDbEntity::lineWeight() const {
 Acad::ErrorStatus AcDbEntity::setLineWeight(int weight, bool doSubents) {
     if (std::ranges::find(kLineWeights, weight) == std::end(kLineWeights))
         return Acad::eInvalidInput;
-    return setProperty(*this, doSubents, [weight](EntityState& state) { state.lineWeight = weight; });
+    return setProperty(*this, kProxyLineWeightChangeAllowed, doSubents,
+                       [weight](EntityState& state) { state.lineWeight = weight; });
 }
 
 bool AcDbEntity::isVisible() const {
@@ -131,7 +143,7 @@ bool AcDbEntity::isVisible() const {
 }
 
 Acad::ErrorStatus AcDbEntity::setVisibility(bool visible, bool doSubents) {
-    return setProperty(*this, doSubents,
+    return setProperty(*this, kProxyVisibilityChangeAllowed, doSubents,
                        [visible](EntityState& state) { state.invisible = visible ? 0 : 1; });
 }
 
@@ -139,7 +151,9 @@ Acad::ErrorStatus AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool do
     if (!other)
         return Acad::eNullObjectPointer;
     const EntityState& from = readState<EntityState>(other);
-    return setProperty(*this, doSubents, [&from](EntityState& state) {
+    if (const auto status = mayTakeProperties(*this, from); status != Acad::eOk)
+        return status;
+    return changeState(*this, doSubents, [&from](EntityState& state) {
         state.layer = from.layer;
         state.linetype = from.linetype;
         state.linetypeScale = from.linetypeScale;

@@ -31,7 +31,7 @@ constexpr EntityRecipe kRecipes[] = {
     {L"ATTDEF", nullptr, kAttribute, false},
     {L"ATTRIB", nullptr, kAttribute, false},
     {L"INSERT", nullptr, kInsert, false},
-    {L"POINT", L"AcDbPoint", kPoint, false},
+    {L"POINT", nullptr, kPoint, false},
     {L"SOLID", L"AcDbTrace", kThreePoints, false},
     {L"TRACE", L"AcDbTrace", kThreePoints, false},
     {L"3DFACE", L"AcDbFace", kThreePoints, false},

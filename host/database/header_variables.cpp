@@ -13,26 +13,35 @@ const T* firstValue(const HeaderVariables::Entry* entry) {
 }  // namespace
 
 const HeaderVariables::Entry* HeaderVariables::find(std::wstring_view name) const {
-    const auto found = index_.find(foldCase(name));
-    return found == index_.end() ? nullptr : &entries_[found->second];
+    const auto found = index_->find(foldCase(name));
+    return found == index_->end() ? nullptr : entries_[found->second].get();
+}
+
+HeaderVariables::Index& HeaderVariables::ownIndex() {
+    if (index_.use_count() > 1)
+        index_ = std::make_shared<Index>(*index_);
+    return *index_;
 }
 
 void HeaderVariables::set(std::wstring_view name, std::vector<DxfGroup> groups) {
-    const auto [place, isNew] = index_.try_emplace(foldCase(name), entries_.size());
-    if (isNew)
-        entries_.push_back({std::wstring(name), std::move(groups)});
-    else
-        entries_[place->second].groups = std::move(groups);
+    if (const auto known = index_->find(foldCase(name)); known != index_->end()) {
+        std::shared_ptr<const Entry>& entry = entries_[known->second];
+        entry = std::make_shared<const Entry>(entry->name, std::move(groups));
+        return;
+    }
+    ownIndex().emplace(foldCase(name), entries_.size());
+    entries_.push_back(std::make_shared<const Entry>(std::wstring(name), std::move(groups)));
 }
 
 void HeaderVariables::remove(std::wstring_view name) {
-    const auto found = index_.find(foldCase(name));
-    if (found == index_.end())
+    const auto found = index_->find(foldCase(name));
+    if (found == index_->end())
         return;
     entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(found->second));
-    index_.clear();
+    Index& index = ownIndex();
+    index.clear();
     for (std::size_t i = 0; i < entries_.size(); ++i)
-        index_.emplace(foldCase(entries_[i].name), i);
+        index.emplace(foldCase(entries_[i]->name), i);
 }
 
 double HeaderVariables::real(std::wstring_view name, double fallback) const {

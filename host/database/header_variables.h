@@ -2,6 +2,7 @@
 
 // Variables of a drawing's header: named groups, in the order of the file they were read from.
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -11,6 +12,8 @@
 
 namespace drafthost {
 
+// Copies share the variables that neither of them changed since, so that keeping one for each undo step is
+// cheap.
 class HeaderVariables {
 public:
     struct Entry {
@@ -18,7 +21,7 @@ public:
         std::vector<DxfGroup> groups;
     };
 
-    const std::vector<Entry>& entries() const { return entries_; }
+    const std::vector<std::shared_ptr<const Entry>>& entries() const { return entries_; }
     // Null when there is no such variable. Names are compared without regard to case.
     const Entry* find(std::wstring_view name) const;
     // Replaces the groups, or adds the variable at the end.
@@ -38,8 +41,10 @@ public:
 
 private:
     short codeOf(std::wstring_view name, short fallback) const;
-    std::vector<Entry> entries_;
-    std::unordered_map<std::wstring, std::size_t> index_;  // by upper-case name
+    using Index = std::unordered_map<std::wstring, std::size_t>;  // by upper-case name
+    std::vector<std::shared_ptr<const Entry>> entries_;
+    Index& ownIndex();  // after which no copy shares it
+    std::shared_ptr<Index> index_ = std::make_shared<Index>();
 };
 
 // Variables of a new drawing (metric, decimal), complete enough for a file of 2000 format. Handles and the

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "host/api/block_reference.h"
 #include "host/database/block_contents.h"
@@ -11,6 +12,7 @@
 #include "host/database/entity_parts.h"
 #include "host/database/handles.h"
 #include "host/database/names.h"
+#include "host/database/proxies.h"
 #include "host/database/sequence_entities.h"
 #include "host/database/symbol_records.h"
 #include "host/database/unknown_objects.h"
@@ -50,6 +52,20 @@ struct Read {
     LoadResult result;
 };
 
+// What a module's class cannot read is no reason to refuse the drawing, which can be read without the module.
+template <class Object>
+void keepAsProxy(Read<Object>& read, AcDbDatabase& database, GroupFiler& filer) {
+    std::unique_ptr<AcDbObject> proxy =
+        proxyOfGroups(database, read.object->isA()->dxfName(), AcDbEntity::cast(read.object.get()) != nullptr,
+                      std::move(filer.groups()));
+    Object* const kept = Object::cast(proxy.get());
+    if (!kept)
+        return;
+    proxy.release();
+    read.object.reset(kept);
+    read.result.keptAsProxy = acadErrorStatusText(std::exchange(read.result.status, Acad::eOk));
+}
+
 template <class Object>
 Read<Object> readObject(AcDbDatabase& database, AcDbObject* made, Groups&& groups) {
     Read<Object> read;
@@ -63,6 +79,8 @@ Read<Object> readObject(AcDbDatabase& database, AcDbObject* made, Groups&& group
     resolveReferences(database, groups);
     GroupFiler filer(&database, std::move(groups));
     read.result.status = read.object->dxfIn(&filer);
+    if (read.result.status != Acad::eOk && read.object->isA()->appName())
+        keepAsProxy(read, database, filer);
     if (read.result.status != Acad::eOk) {
         read.result.problem =
             filer.problem().empty() ? acadErrorStatusText(read.result.status) : filer.problem();
@@ -164,6 +182,19 @@ AcDbObject* newObjectFor(const std::wstring& dxfName, bool entity) {
     return new AcDbUnknownObject(dxfName);
 }
 
+namespace {
+
+// Records of modules' objects wait in a proxy until all objects are there that they refer to.
+AcDbObject* objectForGroups(const Groups& groups, bool entity) {
+    if (!areRecordGroups(groups))
+        return newObjectFor(textIn(groups, 0), entity);
+    if (entity)
+        return new AcDbUnknownEntity(textIn(groups, 0));
+    return new AcDbUnknownObject(textIn(groups, 0));
+}
+
+}  // namespace
+
 LoadResult loadTable(AcDbDatabase& database, Groups groups) {
     TableIndex table{};
     if (!findTableIndex(textIn(groups, 2), table))
@@ -228,7 +259,7 @@ LoadResult loadEntity(AcDbDatabase& database, AcDbObjectId block, Groups groups)
                                              : peek<AcDbBlockTableRecord>(block);
     if (!record)
         return {Acad::eNullBlockName, {}, L"entity outside any block"};
-    AcDbObject* const made = newObjectFor(textIn(groups, 0), true);
+    AcDbObject* const made = objectForGroups(groups, true);
     auto read = readObject<AcDbEntity>(database, made, std::move(groups));
     if (read.result.status == Acad::eOk) {
         settle(read, appendToBlock(*record, read.object.get(), read.handle, read.result.id));
@@ -263,7 +294,7 @@ LoadResult loadAttribute(AcDbDatabase& database, AcDbObjectId insert, Groups gro
 }
 
 LoadResult loadObject(AcDbDatabase& database, Groups groups) {
-    auto read = readObject<AcDbObject>(database, newObjectFor(textIn(groups, 0), false), std::move(groups));
+    auto read = readObject<AcDbObject>(database, objectForGroups(groups, false), std::move(groups));
     if (read.result.status != Acad::eOk)
         return read.result;
     const bool isDictionary = AcDbDictionary::cast(read.object.get()) != nullptr;
@@ -280,6 +311,7 @@ std::vector<std::wstring> finishLoading(AcDbDatabase& database) {
     for (std::wstring& part : addMissingParts(database))
         findings.push_back(part + L" was missing and has been added");
     settleIds(database);
+    replaceProxiesByObjects(database);
     const HeaderVariables::Entry* const seed = database.impl().settings.header.find(L"$HANDSEED");
     const auto* const handle =
         seed && !seed->groups.empty() ? std::get_if<ObjectReference>(&seed->groups[0].value) : nullptr;

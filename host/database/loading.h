@@ -36,6 +36,9 @@ struct LoadResult {
     Acad::ErrorStatus status = Acad::eOk;
     AcDbObjectId id;
     std::wstring problem;
+    // An object of a module's class that could not read its groups, and was kept as a proxy: what it said.
+    // Empty otherwise.
+    std::wstring keptAsProxy{};
 };
 
 // The header of a symbol table: groups from (0 . "TABLE"), with its name in group 2.

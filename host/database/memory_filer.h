@@ -35,6 +35,7 @@ public:
     MemoryFiler(AcDbDatabase* database, AcDb::FilerType type, DwgRecord record);
 
     DwgRecord& record() { return record_; }
+    std::size_t position() const { return position_; }  // values read so far
     // For reading: ids are passed through it. Without one they are read as they were written.
     void setTranslation(IdTranslation translation) { translation_ = std::move(translation); }
 

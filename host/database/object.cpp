@@ -6,9 +6,9 @@
 
 #include "host/database/class_registry.h"
 #include "host/database/database_impl.h"
-#include "host/database/group_filer.h"
 #include "host/database/open_counters.h"
 #include "host/database/open_state.h"
+#include "host/database/proxies.h"
 
 using namespace drafthost;
 
@@ -22,7 +22,7 @@ struct PlainState : ClonedState<PlainState, ObjectState> {};
 
 // Erases or restores what an object owns, whatever its open state.
 void eraseOwned(AcDbObjectId id, bool erasing) {
-    if (!id.isValid() || id.stub()->erased == erasing)
+    if (!id.isValid() || id.stub()->erased == erasing || id.stub()->undone)
         return;
     noteChange(*id.stub());
     id.stub()->erased = erasing;
@@ -143,10 +143,13 @@ Acad::ErrorStatus AcDbObject::erase(bool erasing) {
     AcDbStub* const stub = imp_->stub;
     if (!stub)
         return Acad::eNotInDatabase;
-    if (!stub->object)
+    if (!stub->object || (stub->undone && !erasing))
         return Acad::ePermanentlyErased;
     if (stub->erased == erasing)
         return erasing ? Acad::eWasErased : Acad::eOk;
+    // What was erased before its class went may come back.
+    if (erasing && proxyRefuses(*this, kProxyEraseAllowed))
+        return Acad::eProxyRefused;
     if (!prepareWrite(this))
         return Acad::eNotOpenForWrite;
     if (const auto status = subErase(erasing); status != Acad::eOk)
@@ -192,16 +195,22 @@ Acad::ErrorStatus AcDbObject::dxfInFields(AcDbDxfFiler*) {
 AcDbObject* AcDbObject::clone() const {
     if (isKindOf(AcDbSymbolTable::desc()) || isKindOf(AcDbBlockTableRecord::desc()))
         return nullptr;
-    AcDbObject* const copy = AcDbObject::cast(isA()->create());
-    if (!copy)
+    if (proxyRefuses(*this, kProxyCloningAllowed))
         return nullptr;
+    std::unique_ptr<AcDbObject> copy;
     if (isA()->appName()) {
-        GroupFiler out(database(), AcDb::kCopyFiler);
-        dxfOutFields(&out);
-        GroupFiler in(database(), std::move(out.groups()), AcDb::kCopyFiler);
-        copy->dxfInFields(&in);
+        // A module's object keeps its contents itself.
+        const auto record = recordOf(*this, AcDb::kCopyFiler);
+        if (record)
+            copy = std::move(readRecord(database(), *isA(), *record, AcDb::kCopyFiler).object);
+        if (!copy || copy->isA() != isA())
+            return nullptr;
+    } else {
+        copy.reset(AcDbObject::cast(isA()->create()));
+        if (!copy)
+            return nullptr;
+        copy->imp_->state = imp_->state->clone();
     }
-    copy->imp_->state = imp_->state->clone();
     copy->imp_->state->becomeCopy();
-    return copy;
+    return copy.release();
 }

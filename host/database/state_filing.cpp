@@ -1,5 +1,6 @@
 #include "host/database/state_filing.h"
 
+#include <algorithm>
 #include <array>
 #include <type_traits>
 #include <utility>
@@ -88,8 +89,11 @@ public:
     void value(AcGeVector3d& vector) override { filer_.readVector3d(&vector); }
     void value(AcDbHandle& handle) override { filer_.readAcDbHandle(&handle); }
     void value(std::vector<std::uint8_t>& bytes) override {
-        bytes.resize(count(bytes.size()));
-        filer_.readBytes(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+        const std::size_t size = count(bytes.size());
+        if (size > kMaxBytes)
+            return reject();
+        bytes.resize(size);
+        filer_.readBytes(bytes.data(), static_cast<std::uint32_t>(size));
     }
     // An object that does not exist where the state is read leaves a null reference.
     void reference(AcDbObjectId& id, ReferenceKind kind) override {
@@ -102,12 +106,23 @@ public:
     }
     std::size_t count(std::size_t) override {
         std::int32_t read = 0;
-        const bool good = filer_.readInt32(&read) == Acad::eOk && read >= 0;
-        return good ? static_cast<std::size_t>(read) : 0;
+        if (filer_.readInt32(&read) == Acad::eOk && read >= 0)
+            return static_cast<std::size_t>(read);
+        reject();
+        return 0;
+    }
+    void reject() override { rejected_ = true; }
+    bool failed() const override { return rejected_ || filer_.filerStatus() != Acad::eOk; }
+    Acad::ErrorStatus status() const {
+        return rejected_ && filer_.filerStatus() == Acad::eOk ? Acad::eFilerError : filer_.filerStatus();
     }
 
 private:
+    // More than any value of a drawing holds: a number that was not written as a size.
+    static constexpr std::size_t kMaxBytes = 1 << 26;
+
     AcDbDwgFiler& filer_;
+    bool rejected_ = false;
 };
 
 class ReferenceVisitor final : public StateWalker {
@@ -149,8 +164,9 @@ void StateWalker::group(DxfGroup& group) {
     auto kind = static_cast<std::int32_t>(group.value.index());
     values(code, kind);
     group.code = static_cast<short>(code);
-    if (kind >= 0 && static_cast<std::size_t>(kind) < kGroupWalks.size())
-        kGroupWalks[static_cast<std::size_t>(kind)](*this, group);
+    if (kind < 0 || static_cast<std::size_t>(kind) >= kGroupWalks.size())
+        return reject();
+    kGroupWalks[static_cast<std::size_t>(kind)](*this, group);
 }
 
 ReferenceKind referenceKind(short code) {
@@ -175,7 +191,7 @@ Acad::ErrorStatus fileStateOut(AcDbDwgFiler& filer, const ObjectState& state) {
 Acad::ErrorStatus fileStateIn(AcDbDwgFiler& filer, ObjectState& state) {
     StateReader reader(filer);
     state.file(reader);
-    return filer.filerStatus();
+    return reader.status();
 }
 
 void forEachReference(ObjectState& state,
@@ -259,15 +275,14 @@ void MTextState::file(StateWalker& walker) {
 
 void UnknownObjectState::file(StateWalker& walker) {
     ObjectState::file(walker);
-    walker.value(dxfName);
-    walker.groups(groups);
+    fileContents(walker);
 }
 
 void UnknownEntityState::file(StateWalker& walker) {
     EntityState::file(walker);
-    walker.value(dxfName);
-    walker.groups(groups);
+    fileContents(walker);
     walker.references(subEntities, ReferenceKind::HardOwner);
+    graphics.file(walker);
 }
 
 // Names of records are their own; the index by name is made again.
@@ -275,6 +290,7 @@ void TableState::file(StateWalker& walker) {
     ObjectState::file(walker);
     walker.references(records, ReferenceKind::SoftOwner);
     std::vector<std::pair<std::wstring, AcDbObjectId>> names(byName.begin(), byName.end());
+    std::ranges::sort(names, {}, &std::pair<std::wstring, AcDbObjectId>::first);
     walker.list(names, [&](std::pair<std::wstring, AcDbObjectId>& entry) {
         walker.value(entry.first);
         walker.reference(entry.second, ReferenceKind::SoftPointer);

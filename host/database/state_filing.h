@@ -33,6 +33,9 @@ public:
     virtual void reference(AcDbObjectId& id, ReferenceKind kind) = 0;
     // The number of elements of a list, before them: given the present one, returns the one to walk over.
     virtual std::size_t count(std::size_t present) = 0;
+    // What was walked over cannot be: an unknown kind of value. For readers, whose reading has failed then.
+    virtual void reject() {}
+    virtual bool failed() const { return false; }
 
     // Members one after another.
     template <class... Members>
@@ -42,9 +45,15 @@ public:
     // A list, element by element: each(element).
     template <class Element, class Each>
     void list(std::vector<Element>& elements, Each each) {
-        elements.resize(count(elements.size()));
-        for (Element& element : elements)
-            each(element);
+        const std::size_t number = count(elements.size());
+        if (number < elements.size())
+            elements.resize(number);
+        // One by one: a number that was read where none was written must not cost memory.
+        for (std::size_t i = 0; i < number && !failed(); ++i) {
+            if (i == elements.size())
+                elements.emplace_back();
+            each(elements[i]);
+        }
     }
     void references(std::vector<AcDbObjectId>& ids, ReferenceKind kind);
     void groups(std::vector<DxfGroup>& groups);

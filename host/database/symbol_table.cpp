@@ -119,10 +119,16 @@ Acad::ErrorStatus insertRecord(AcDbSymbolTable& table, TableIndex index, AcDbSym
         return status;
     if (const auto status = impl.add(record, table.objectId(), handle, id); status != Acad::eOk)
         return status;
+    // A record at the end of the list is not saved for the logs (see change_log.h), but whose the name was is.
+    const auto named = state.byName.find(foldCase(name));
+    if (named != state.byName.end() && !isLive(named->second))
+        noteChange(*ObjectImp::of(&table).stub);
+    ObjectImp::of(&table).stub->modified = true;
     state.records.push_back(id);
-    AcDbObjectId& entry = state.byName[foldCase(name)];
-    if (!isLive(entry) || !allowsDuplicates(index))
-        entry = id;
+    if (named == state.byName.end())
+        state.byName.emplace(foldCase(name), id);
+    else if (!isLive(named->second) || !allowsDuplicates(index))
+        named->second = id;
     // Files bring the marking entities of their blocks along.
     auto* const block = AcDbBlockTableRecord::cast(record);
     if (block && !impl.loading)
@@ -173,7 +179,6 @@ AcDbObjectId addRecord(AcDbDatabase& database, TableIndex table,
         return {};
     if (!name.empty())
         static_cast<RecordState&>(*ObjectImp::of(record.get()).state).name = name;
-    noteChange(*ObjectImp::of(object).stub);
     AcDbObjectId id;
     if (insertRecord(*object, table, record.get(), handle, id) != Acad::eOk)
         return {};
@@ -237,7 +242,7 @@ Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* 
         return Acad::eWrongObjectType;
     if (!record->objectId().isNull())
         return Acad::eAlreadyInDb;
-    if (!prepareWrite(this))
+    if (!isWriteEnabled())
         return Acad::eNotOpenForWrite;
     return insertRecord(*this, index, record, AcDbHandle(), id);
 }

@@ -10,9 +10,9 @@ AcDbTransactionManager::~AcDbTransactionManager() = default;
 namespace drafthost {
 
 Acad::ErrorStatus TransactionManager::startTransaction() {
-    // Only the innermost level listens; its log is merged into the next one when it ends.
-    if (!levels_.empty())
-        std::erase(impl_.logs, &levels_.back()->log);
+    // Only the innermost level listens; its log is merged into the next one, at last into the undo step's,
+    // when it ends. So an abort leaves nothing behind there.
+    std::erase(impl_.logs, levels_.empty() ? impl_.undoStep : &levels_.back()->log);
     levels_.push_back(std::make_unique<Level>());
     levels_.back()->modificationsBefore = impl_.modifications;
     impl_.logs.push_back(&levels_.back()->log);
@@ -24,6 +24,8 @@ void TransactionManager::leaveLevel() {
     levels_.pop_back();
     if (!levels_.empty())
         impl_.logs.push_back(&levels_.back()->log);
+    else if (impl_.undoStep)
+        impl_.logs.push_back(impl_.undoStep);
 }
 
 Acad::ErrorStatus TransactionManager::endTransaction() {
@@ -37,6 +39,8 @@ Acad::ErrorStatus TransactionManager::endTransaction() {
     } else {
         for (const Resident& resident : std::views::reverse(level.residents))
             closeResident(resident);
+        if (impl_.undoStep)
+            level.log.mergeInto(*impl_.undoStep);
     }
     leaveLevel();
     return Acad::eOk;
@@ -106,6 +110,8 @@ Acad::ErrorStatus TransactionManager::getObject(AcDbObject*& object, AcDbObjectI
 void TransactionManager::closeResident(const Resident& resident) {
     AcDbStub& stub = *resident.stub;
     if (resident.upgraded) {
+        if (!stub.transactionWrite)
+            return;  // its class went meanwhile, and nobody has it open any more
         stub.writer = stub.transactionWrite = false;
         stub.readers = 1;
         stub.transactionRead = true;

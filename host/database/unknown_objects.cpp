@@ -2,6 +2,7 @@
 
 #include "host/database/class_registry.h"
 #include "host/database/dxf_fields.h"
+#include "host/database/proxies.h"
 
 using namespace drafthost;
 
@@ -11,10 +12,11 @@ DRAFTHOST_DEFINE_CLASS(AcDbUnknownEntity, AcDbEntity, nullptr, &drafthost::const
 namespace {
 
 // All groups up to the extended data that nobody has taken.
-Acad::ErrorStatus takeRest(AcDbDxfFiler* filer, std::vector<DxfGroup>& rest) {
+Acad::ErrorStatus takeRest(AcDbDxfFiler* filer, KeptContents& contents) {
     auto* const groups = dynamic_cast<GroupFiler*>(filer);
     if (!groups)
         return Acad::eFilerError;
+    std::vector<DxfGroup>& rest = contents.groups;
     rest.clear();
     for (std::size_t i = 0; i < groups->groups().size(); ++i) {
         const DxfGroup& group = groups->groups()[i];
@@ -23,14 +25,16 @@ Acad::ErrorStatus takeRest(AcDbDxfFiler* filer, std::vector<DxfGroup>& rest) {
         rest.push_back(group);
         groups->take(i);
     }
+    takeRecord(contents);
     return Acad::eOk;
 }
 
-Acad::ErrorStatus writeRest(AcDbDxfFiler* filer, const std::vector<DxfGroup>& rest) {
+Acad::ErrorStatus writeRest(AcDbDxfFiler* filer, const KeptContents& contents) {
     auto* const groups = dynamic_cast<GroupFiler*>(filer);
     if (!groups)
         return Acad::eFilerError;
-    for (const DxfGroup& group : rest)
+    const bool onlyRecord = contents.groups.empty() && contents.hasRecord;
+    for (const DxfGroup& group : onlyRecord ? recordGroups(contents) : contents.groups)
         groups->add(group);
     return Acad::eOk;
 }
@@ -48,12 +52,12 @@ const std::wstring& AcDbUnknownObject::dxfName() const {
 }
 
 Acad::ErrorStatus AcDbUnknownObject::dxfOutFields(AcDbDxfFiler* filer) const {
-    return writeRest(filer, readState<UnknownObjectState>(this).groups);
+    return writeRest(filer, readState<UnknownObjectState>(this));
 }
 
 Acad::ErrorStatus AcDbUnknownObject::dxfInFields(AcDbDxfFiler* filer) {
     auto* const state = writeState<UnknownObjectState>(this);
-    return state ? takeRest(filer, state->groups) : Acad::eNotOpenForWrite;
+    return state ? takeRest(filer, *state) : Acad::eNotOpenForWrite;
 }
 
 AcDbUnknownEntity::AcDbUnknownEntity() : AcDbEntity(newImp<UnknownEntityState>()) {}
@@ -69,7 +73,7 @@ const std::wstring& AcDbUnknownEntity::dxfName() const {
 Acad::ErrorStatus AcDbUnknownEntity::dxfOutFields(AcDbDxfFiler* filer) const {
     if (const auto status = AcDbEntity::dxfOutFields(filer); status != Acad::eOk)
         return status;
-    return writeRest(filer, readState<UnknownEntityState>(this).groups);
+    return writeRest(filer, readState<UnknownEntityState>(this));
 }
 
 Acad::ErrorStatus AcDbUnknownEntity::dxfInFields(AcDbDxfFiler* filer) {
@@ -80,10 +84,10 @@ Acad::ErrorStatus AcDbUnknownEntity::dxfInFields(AcDbDxfFiler* filer) {
     const auto status = AcDbEntity::dxfInFields(filer);
     if (status != Acad::eOk && status != Acad::eBadDxfSequence)
         return status;
-    return takeRest(filer, state->groups);
+    return takeRest(filer, *state);
 }
 
-// What the numbers in the groups mean is not known, so they cannot be moved.
+// What the numbers in the groups mean is not known, so they cannot be moved even where the class allows it.
 Acad::ErrorStatus AcDbUnknownEntity::subTransformBy(const AcGeMatrix3d&) {
-    return Acad::eNotApplicable;
+    return proxyRefuses(*this, kProxyTransformAllowed) ? Acad::eProxyRefused : Acad::eNotApplicable;
 }

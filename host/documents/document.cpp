@@ -12,7 +12,7 @@
 namespace drafthost {
 
 Document::Document(Host& host, std::unique_ptr<AcDbDatabase> database, std::wstring name)
-    : host_(host), database_(std::move(database)), name_(std::move(name)), prompts_(*this) {
+    : host_(host), database_(std::move(database)), undo_(*database_), name_(std::move(name)), prompts_(*this) {
     interpreter_ = std::make_unique<lisp::Interpreter>(host.commandLine(), host.files());
     interpreter_->attach(this);
     interpreter_->setVariableReader([this](std::wstring_view variable) -> std::optional<int> {
@@ -20,13 +20,20 @@ Document::Document(Host& host, std::unique_ptr<AcDbDatabase> database, std::wstr
         const int* number = value ? std::get_if<int>(&*value) : nullptr;
         return number ? std::optional(*number) : std::nullopt;
     });
+    interpreter_->setFormFinished([this] { endLispStep(); });
     lisp::defineDrawingFunctions(*interpreter_);
     commands_ = std::make_unique<editor::CommandRunner>(*this);
 }
 
 Document::~Document() {
+    commands_->cancel();  // while prompts still find their way here
     commands_.reset();
     interpreter_.reset();
+}
+
+void Document::endLispStep() {
+    if (!commands_ || !commands_->active())
+        undo_.endStep(L"LISP");
 }
 
 AcAp::DocLockMode Document::lockMode() const {

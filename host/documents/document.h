@@ -16,6 +16,7 @@
 #include "host/editor/prompts.h"
 #include "host/editor/selection_set.h"
 #include "host/editor/system_variables.h"
+#include "host/editor/undo_history.h"
 #include "host/lisp/interpreter.h"
 
 namespace drafthost {
@@ -52,6 +53,8 @@ public:
     editor::Prompts& prompts() { return prompts_; }
     editor::CommandRunner& commands() { return *commands_; }
     editor::VariableStore& variables() { return variables_; }
+    editor::UndoHistory& undo() { return undo_; }
+    bool& undoAuto() { return undoAuto_; }  // UNDO Auto
     const std::shared_ptr<editor::SelectionSet>& previousSelection() const { return previousSelection_; }
     void setPreviousSelection(std::shared_ptr<editor::SelectionSet> set) {
         previousSelection_ = std::move(set);
@@ -83,8 +86,13 @@ private:
     friend class DocumentManager;
     friend class EvaluationScope;
 
+    // What LISP has changed outside of commands becomes a step, unless a command waits for more words.
+    void endLispStep();
+
     Host& host_;
     std::unique_ptr<AcDbDatabase> database_;
+    editor::UndoHistory undo_;
+    bool undoAuto_ = true;
     std::wstring name_;
     editor::VariableStore variables_;
     editor::Prompts prompts_;
@@ -97,11 +105,14 @@ private:
     int evaluations_ = 0;  // LISP or commands that are running
 };
 
-// While LISP or a command runs in a document.
+// While LISP or a command runs in a document. The end of the outermost one ends an undo step.
 class EvaluationScope {
 public:
     explicit EvaluationScope(Document& document) : document_(document) { ++document_.evaluations_; }
-    ~EvaluationScope() { --document_.evaluations_; }
+    ~EvaluationScope() {
+        if (--document_.evaluations_ == 0)
+            document_.endLispStep();
+    }
     EvaluationScope(const EvaluationScope&) = delete;
     EvaluationScope& operator=(const EvaluationScope&) = delete;
 

@@ -4,7 +4,7 @@
 
 #include "host/database/database_impl.h"
 #include "host/documents/host.h"
-#include "host/exchange/dxf_reader.h"
+#include "host/exchange/drawing_file.h"
 
 namespace drafthost {
 
@@ -88,7 +88,7 @@ Document* DocumentManager::open(const std::wstring& path, std::wstring& problem)
     std::wstring name =
         path.empty() ? L"Drawing" + std::to_wstring(newDrawings_ + 1) + L".dxf" : fullPath(path);
     if (!path.empty()) {
-        const exchange::DxfReadResult result = exchange::readDxf(*database, name);
+        const exchange::DxfReadResult result = exchange::readDrawing(*database, name, AcDb::kDenyNone);
         if (result.status != Acad::eOk) {
             problem =
                 result.message.empty() ? name + L": " + acadErrorStatusText(result.status) : result.message;
@@ -96,12 +96,17 @@ Document* DocumentManager::open(const std::wstring& path, std::wstring& problem)
         }
         if (result.audit.errorsFound() > 0)
             host_.commandLine().write(L"\n" + result.audit.summary() + L"\n");
+        // What is not in the drawing any more should be known before it is saved.
+        for (const exchange::AuditFinding& finding : result.audit.findings()) {
+            if (finding.code == exchange::AuditCode::LeftOut)
+                host_.commandLine().write(finding.text + L"\n");
+        }
     } else {
         ++newDrawings_;
     }
+    database->impl().modifications = 0;
     documents_.push_back(std::make_unique<Document>(host_, std::move(database), std::move(name)));
     Document* const document = documents_.back().get();
-    document->database()->impl().modifications = 0;
     setCurrent(document);
     host_.modules().documentOpened();
     return document;

@@ -79,7 +79,7 @@ Acad::ErrorStatus HostServices::findFile(ACHAR* pathOut, int bufferLength, const
                                          AcDbDatabase* database, FindFileHint) {
     if (!pathOut || bufferLength <= 0 || !fileName)
         return Acad::eInvalidInput;
-    const auto path = find(fileName, database);
+    const auto path = find(fileName, database ? database : workingDatabase_);
     if (!path)
         return Acad::eFileNotFound;
     if (path->size() >= static_cast<std::size_t>(bufferLength))

@@ -279,9 +279,10 @@ private:
                 good = fail(path + L" cannot be written: " + acadErrorStatusText(status) + L".");
             }
         }
+        const int size = options_.pictureSize > 0 ? options_.pictureSize : graphics::kPictureSize;
         for (const std::wstring& picture : options_.pictures) {
             std::wstring problem;
-            if (!graphics::writePicture(database, fullPath(picture), problem))
+            if (!graphics::writePicture(database, fullPath(picture), problem, size))
                 good = fail(problem);
         }
         if (!options_.exportFile.empty())

@@ -15,6 +15,7 @@ struct SessionOptions {
     bool verbose = false;
     std::vector<std::wstring> modules, supportFolders, pictures, programs;
     std::wstring open, answers, save, exportFile;  // empty: none
+    int pictureSize = 0;                           // pixels of the longest side; 0: as usual
 };
 
 // False for unusable arguments, for the reason in problem. arguments: without the program's name.

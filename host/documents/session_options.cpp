@@ -2,6 +2,7 @@
 
 #include "host/database/names.h"
 #include "host/documents/session.h"
+#include "host/graphics/picture.h"
 
 namespace drafthost {
 
@@ -13,6 +14,7 @@ const wchar_t* const kUsage =
     L"  --answers FILE    answers for prompts, picks and message boxes\n"
     L"  --save FILE       writes the drawing as DXF afterwards\n"
     L"  --picture FILE    writes a picture, .png or .svg, afterwards; may be given several times\n"
+    L"  --picture-size N  pixels of the pictures' longest side, 16 to 10000; otherwise 1600\n"
     L"  --export FILE     writes the drawing's solids, .stl or .obj, afterwards\n"
     L"  --support DIR     a folder to search for files; may be given several times\n"
     L"  --echo on|off     repl: prints what is read from standard input (off unless given)\n"
@@ -43,6 +45,13 @@ bool hasExtension(const std::wstring& path, std::initializer_list<const wchar_t*
     const std::wstring own = dot == std::wstring::npos ? L"" : path.substr(dot);
     return std::any_of(extensions.begin(), extensions.end(),
                        [&](const wchar_t* extension) { return equalNames(own, extension); });
+}
+
+bool readSize(const std::wstring& text, int& size) {
+    if (text.empty() || text.size() > 5 || text.find_first_not_of(L"0123456789") != std::wstring::npos)
+        return false;
+    size = std::stoi(text);
+    return size >= graphics::kSmallestPicture && size <= graphics::kLargestPicture;
 }
 
 std::wstring checkTogether(const SessionOptions& options) {
@@ -83,6 +92,11 @@ bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& 
             continue;
         }
         const bool last = i + 1 == arguments.size();
+        if (argument == L"--picture-size") {
+            if (last || !readSize(arguments[++i], options.pictureSize))
+                return fail(L"--picture-size needs a number from 16 to 10000");
+            continue;
+        }
         if (argument == L"--echo") {
             if (last || (arguments[i + 1] != L"on" && arguments[i + 1] != L"off"))
                 return fail(L"--echo needs on or off");

@@ -1,5 +1,6 @@
-// Commands that change entities: ERASE, MOVE, COPY, ROTATE, SCALE, MIRROR, EXPLODE, LIST.
+// Commands that change entities: ERASE, MOVE, COPY, ROTATE, SCALE, MIRROR, STRETCH, EXPLODE, LIST.
 
+#include "host/database/block_places.h"
 #include "host/editor/command_context.h"
 #include "host/editor/command_tables.h"
 
@@ -77,20 +78,64 @@ void mirrorEntities(CommandContext& context) {
     eraseSources ? context.transform(entities, matrix) : context.copy(entities, matrix);
 }
 
-void explodeEntities(CommandContext& context) {
-    Entities exploded;
-    for (const AcDbObjectId id : context.selection()) {
-        AcDbEntityArray parts;
-        if (const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-            !entity || entity->explode(parts) != Acad::eOk) {
-            context.print(L"1 could not be exploded.");
-            continue;
-        }
-        for (AcDbEntity* part : parts)
-            context.add(std::unique_ptr<AcDbEntity>(part));
-        exploded.push_back(id);
+// The stretch points that lie in the window or on its border.
+AcDbIntArray pointsInside(const AcGePoint3dArray& points, const Region& window) {
+    AcDbIntArray inside;
+    for (int i = 0; i < points.length(); ++i) {
+        if (touches({{{points[i].convert2d()}}, {}}, window))
+            inside.append(i);
     }
-    context.erase(exploded);
+    return inside;
+}
+
+// Entities that lie in the window are moved, with or without stretch points; of others the stretch points in
+// it.
+Acad::ErrorStatus stretch(AcDbEntity& entity, const Region& window, const AcGeVector3d& offset) {
+    if (liesInside(outlineOf(entity), window))
+        return entity.transformBy(AcGeMatrix3d::translation(offset));
+    AcGePoint3dArray points;
+    if (entity.getStretchPoints(points) != Acad::eOk)
+        return Acad::eOk;
+    const AcDbIntArray inside = pointsInside(points, window);
+    return inside.isEmpty() ? Acad::eOk : entity.moveStretchPointsAt(inside, offset);
+}
+
+void stretchEntities(CommandContext& context) {
+    context.print(L"Select objects to stretch by crossing-window or crossing-polygon...");
+    const SelectResult selected = context.selectionByWindow();
+    const AcGePoint3d base = context.point(L"Specify base point: ");
+    const AcGeVector3d offset = askDisplacement(context, base);
+    context.change(selected.set->members(), [&](AcDbEntity& entity) {
+        const bool crossed = selected.crossed.contains(entity.objectId());
+        return crossed ? stretch(entity, selected.lastCrossing, offset)
+                       : entity.transformBy(AcGeMatrix3d::translation(offset));
+    });
+}
+
+// The parts of the entity, which keep their looks, come where it was. False: it has none, or would lose some,
+// and stays.
+bool explodeEntity(CommandContext& context, AcDbObjectId id) {
+    AcDbEntityArray parts;
+    AcDbObjectId owner;
+    {
+        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+        const auto* const reference = entity ? AcDbBlockReference::cast(entity.object()) : nullptr;
+        if (!entity || (reference && losesParts(*reference)) || entity->explode(parts) != Acad::eOk)
+            return false;
+        owner = entity->ownerId();
+    }
+    for (AcDbEntity* part : parts)
+        context.append(std::unique_ptr<AcDbEntity>(part), owner);
+    context.erase({id});
+    return true;
+}
+
+void explodeEntities(CommandContext& context) {
+    int kept = 0;
+    for (const AcDbObjectId id : context.selection())
+        kept += explodeEntity(context, id) ? 0 : 1;
+    if (kept > 0)
+        context.print(std::to_wstring(kept) + L" could not be exploded.");
 }
 
 void listEntities(CommandContext& context) {
@@ -104,7 +149,7 @@ void listEntities(CommandContext& context) {
 constexpr CommandDefinition kCommands[] = {
     {L"COPY", copyEntities},     {L"ERASE", eraseEntities},   {L"EXPLODE", explodeEntities},
     {L"LIST", listEntities},     {L"MIRROR", mirrorEntities}, {L"MOVE", moveEntities},
-    {L"ROTATE", rotateEntities}, {L"SCALE", scaleEntities},
+    {L"ROTATE", rotateEntities}, {L"SCALE", scaleEntities},   {L"STRETCH", stretchEntities},
 };
 
 }  // namespace

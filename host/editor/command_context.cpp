@@ -4,6 +4,7 @@
 
 #include "host/api/symbol_tables.h"
 #include "host/database/database_impl.h"
+#include "host/database/deep_clone.h"
 #include "host/database/names.h"
 #include "host/documents/host.h"
 #include "host/editor/coordinates.h"
@@ -70,10 +71,14 @@ std::wstring CommandContext::text(const wchar_t* prompt, bool allowBlanks) {
 }
 
 std::vector<AcDbObjectId> CommandContext::selection() {
-    const SelectResult result = select(document_, {});
+    return selectionByWindow().set->members();
+}
+
+SelectResult CommandContext::selectionByWindow() {
+    SelectResult result = select(document_, {});
     if (result.status != RTNORM)
         throw CommandCancelled();
-    return result.set->members();
+    return result;
 }
 
 void CommandContext::print(const std::wstring& text) {
@@ -103,6 +108,14 @@ void CommandContext::add(std::unique_ptr<AcDbEntity> entity) {
     entity.release()->close();
 }
 
+bool CommandContext::append(std::unique_ptr<AcDbEntity> entity, AcDbObjectId block) {
+    const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForWrite);
+    if (!record || record->appendAcDbEntity(entity.get()) != Acad::eOk)
+        return false;
+    entity.release()->close();
+    return true;
+}
+
 void CommandContext::reportUnchanged(int locked, int failed) {
     if (locked)
         print(std::to_wstring(locked) + (locked == 1 ? L" was" : L" were") + L" on a locked layer.");
@@ -110,50 +123,59 @@ void CommandContext::reportUnchanged(int locked, int failed) {
         print(std::to_wstring(failed) + L" could not be changed.");
 }
 
-void CommandContext::transform(const std::vector<AcDbObjectId>& entities, const AcGeMatrix3d& matrix) {
+void CommandContext::change(const std::vector<AcDbObjectId>& entities,
+                            const std::function<Acad::ErrorStatus(AcDbEntity&)>& each) {
     int locked = 0, failed = 0;
     for (const AcDbObjectId id : entities) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
         if (!entity) {
             ++(entity.openStatus() == Acad::eOnLockedLayer ? locked : failed);
-        } else if (entity->transformBy(matrix) != Acad::eOk) {
+        } else if (each(*entity) != Acad::eOk) {
             ++failed;
         }
     }
     reportUnchanged(locked, failed);
 }
 
+void CommandContext::transform(const std::vector<AcDbObjectId>& entities, const AcGeMatrix3d& matrix) {
+    change(entities, [&](AcDbEntity& entity) { return entity.transformBy(matrix); });
+}
+
+namespace {
+
+// The entity's copy where the matrix puts it; nothing when one cannot be made or moved.
+bool copyMoved(AcDbObjectId id, const AcGeMatrix3d& matrix) {
+    AcDbEntity* copy = nullptr;
+    {
+        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+        if (!entity || deepClone(*entity, copy) != Acad::eOk)
+            return false;
+    }
+    const bool moved = copy->transformBy(matrix) == Acad::eOk;
+    copy->close();
+    return moved;
+}
+
+}  // namespace
+
 void CommandContext::copy(const std::vector<AcDbObjectId>& entities, const AcGeMatrix3d& matrix) {
+    AcDbTransactionManager& transactions = *database().transactionManager();
     int failed = 0;
     for (const AcDbObjectId id : entities) {
-        std::unique_ptr<AcDbEntity> duplicate;
-        AcDbObjectId owner;
-        if (const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead); entity) {
-            owner = entity->ownerId();
-            duplicate.reset(AcDbEntity::cast(entity->clone()));
-        }
-        const AcDbObjectPointer<AcDbBlockTableRecord> block(owner, AcDb::kForWrite);
-        if (!duplicate || !block || duplicate->transformBy(matrix) != Acad::eOk ||
-            block->appendAcDbEntity(duplicate.get()) != Acad::eOk) {
+        // A copy that cannot be moved must not stay on its original.
+        transactions.startTransaction();
+        if (copyMoved(id, matrix)) {
+            transactions.endTransaction();
+        } else {
+            transactions.abortTransaction();
             ++failed;
-            continue;
         }
-        duplicate.release()->close();
     }
     reportUnchanged(0, failed);
 }
 
 void CommandContext::erase(const std::vector<AcDbObjectId>& entities) {
-    int locked = 0, failed = 0;
-    for (const AcDbObjectId id : entities) {
-        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
-        if (!entity) {
-            ++(entity.openStatus() == Acad::eOnLockedLayer ? locked : failed);
-        } else if (entity->erase() != Acad::eOk) {
-            ++failed;
-        }
-    }
-    reportUnchanged(locked, failed);
+    change(entities, [](AcDbEntity& entity) { return entity.erase(); });
 }
 
 std::optional<int> colorIndex(std::wstring_view text) {

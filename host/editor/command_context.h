@@ -3,6 +3,7 @@
 // What a command asks the drafter for, and the ways it changes the drawing. Every question ends the command
 // when the drafter cancels.
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +11,7 @@
 
 #include "host/api/entity.h"
 #include "host/documents/document.h"
+#include "host/editor/selection.h"
 
 namespace drafthost::editor {
 
@@ -42,6 +44,7 @@ public:
     std::wstring keyword(const wchar_t* prompt, const wchar_t* keywords);  // empty: an empty response
     std::wstring text(const wchar_t* prompt, bool allowBlanks = false);
     std::vector<AcDbObjectId> selection();  // ends the command when nothing is selected
+    SelectResult selectionByWindow();       // the same, with the crossing windows that were used
 
     void print(const std::wstring& text);
     AcGeMatrix3d ucsToWorld() const;
@@ -49,6 +52,11 @@ public:
 
     // Puts a new entity into the current space, with the current layer, colour and linetype.
     void add(std::unique_ptr<AcDbEntity> entity);
+    // Puts a new entity into the block as it is; the current layer when it has none. False: it was refused.
+    bool append(std::unique_ptr<AcDbEntity> entity, AcDbObjectId block);
+    // Opens each for a change; those that cannot be changed are counted and reported.
+    void change(const std::vector<AcDbObjectId>& entities,
+                const std::function<Acad::ErrorStatus(AcDbEntity&)>& each);
     // Applies the matrix (world); entities that cannot be changed are counted and reported.
     void transform(const std::vector<AcDbObjectId>& entities, const AcGeMatrix3d& matrix);
     void copy(const std::vector<AcDbObjectId>& entities, const AcGeMatrix3d& matrix);

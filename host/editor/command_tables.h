@@ -12,5 +12,6 @@ std::span<const CommandDefinition> drawCommands();
 std::span<const CommandDefinition> changeCommands();
 std::span<const CommandDefinition> layerCommands();
 std::span<const CommandDefinition> settingCommands();
+std::span<const CommandDefinition> undoCommands();
 
 }  // namespace drafthost::editor

@@ -179,6 +179,7 @@ bool CommandRunner::begin(const std::wstring& name) {
         document_.commandLine().write(L"Unknown command \"" + foldCase(name) + L"\".  Press F1 for help.\n");
         return false;
     }
+    document_.undo().endStep(L"LISP");
     command_ =
         std::make_unique<Running>(Running{.runner = *this, .definition = definition, .name = foldCase(name)});
     command_->fiber = CreateFiberEx(64 * 1024, kFiberStack, 0,
@@ -207,6 +208,7 @@ void CommandRunner::resume() {
         return;
     if (!command_->failure.empty())
         document_.host().warn(command_->name + L" failed: " + command_->failure);
+    document_.undo().endStep(command_->shownName());
     command_.reset();
 }
 

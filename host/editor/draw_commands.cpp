@@ -1,13 +1,14 @@
-// Commands that draw: LINE, CIRCLE, ARC, PLINE, TEXT, INSERT.
+// Commands that draw: LINE, POINT, CIRCLE, ARC, PLINE, TEXT, INSERT.
 
 #include <cmath>
 #include <numbers>
 
 #include "host/api/block_reference.h"
 #include "host/api/curves.h"
-#include "host/database/database_impl.h"
+#include "host/api/point.h"
 #include "host/editor/command_context.h"
 #include "host/editor/command_tables.h"
+#include "host/editor/file_insertion.h"
 
 namespace drafthost::editor {
 
@@ -38,6 +39,13 @@ void drawLine(CommandContext& context) {
         last = next;
         ++segments;
     }
+}
+
+// The mark is turned with the coordinate system that it is drawn in.
+void drawPoint(CommandContext& context) {
+    auto point = std::make_unique<AcDbPoint>(context.point(L"Specify a point: "));
+    point->transformBy(context.ucsToWorld());
+    context.add(std::move(point));
 }
 
 AcGeVector3d planeNormal(const CommandContext& context) {
@@ -168,13 +176,8 @@ void drawText(CommandContext& context) {
 }
 
 void insertBlock(CommandContext& context) {
-    AcDbDatabase& database = context.database();
-    const std::wstring name = context.text(L"Enter block name: ");
-    const AcDbObjectId block = findRecord(&database, TableIndex::Block, name);
-    if (block.isNull()) {
-        context.print(L"There is no block \"" + name + L"\" in this drawing.");
-        throw CommandCancelled();
-    }
+    const std::wstring name = context.text(L"Enter block name: ", true);
+    const AcDbObjectId block = blockForInsertion(context, name);
     const AcGePoint3d point = context.point(L"Specify insertion point: ");
     const Reply x = context.ask(Kind::Real, {.prompt = L"Enter X scale factor <1>: ", .control = RSG_NOZERO});
     const double scaleX = x.given ? x.number : 1;
@@ -190,8 +193,8 @@ void insertBlock(CommandContext& context) {
 }
 
 constexpr CommandDefinition kCommands[] = {
-    {L"ARC", drawArc},   {L"CIRCLE", drawCircle},  {L"INSERT", insertBlock},
-    {L"LINE", drawLine}, {L"PLINE", drawPolyline}, {L"TEXT", drawText},
+    {L"ARC", drawArc},        {L"CIRCLE", drawCircle}, {L"INSERT", insertBlock}, {L"LINE", drawLine},
+    {L"PLINE", drawPolyline}, {L"POINT", drawPoint},   {L"TEXT", drawText},
 };
 
 }  // namespace

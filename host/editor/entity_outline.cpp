@@ -6,7 +6,9 @@
 #include <numbers>
 #include <string>
 
-#include "host/api/text_entities.h"
+#include "host/api/block_reference.h"
+#include "host/api/database.h"
+#include "host/graphics/layer_looks.h"
 
 namespace drafthost::editor {
 
@@ -15,9 +17,11 @@ namespace {
 constexpr double kChordAngle = std::numbers::pi / 48;
 constexpr int kDeepestNesting = 64;  // of blocks: a drawing cannot make the host run out of stack
 
-// Takes drawing calls; colours and linetypes do not matter.
+// Takes drawing calls; colours and linetypes do not matter, but what a layer hides cannot be picked at.
 class Collector final : public AcGiWorldDraw, public AcGiWorldGeometry, public AcGiSubEntityTraits {
 public:
+    // database: of what is drawn; null: layers do not matter.
+    explicit Collector(const AcDbDatabase* database) : database_(database) {}
     Outline take() { return std::move(outline_); }
 
     AcGiWorldGeometry& geometry() const override { return const_cast<Collector&>(*this); }
@@ -26,12 +30,12 @@ public:
 
     bool polyline(std::uint32_t count, const AcGePoint3d* points, const AcGeVector3d*,
                   std::int64_t) override {
-        if (count > 0)
+        if (count > 0 && !hidden())
             outline_.lines.push_back(plan(count, points));
         return false;
     }
     bool polygon(std::uint32_t count, const AcGePoint3d* points) override {
-        if (count > 0)
+        if (count > 0 && !hidden())
             outline_.areas.push_back(plan(count, points));
         return false;
     }
@@ -69,10 +73,16 @@ public:
     bool draw(AcGiDrawable* drawable) override {
         if (!drawable || depth_ >= kDeepestNesting)
             return false;
+        const AcDbObjectId layer = layer_, blockLayer = blockLayer_;
         ++depth_;
-        if (!addBox(*drawable))
-            drawable->worldDraw(this);
+        AcDbEntity* const entity = AcDbEntity::cast(drawable);
+        if (!entity || enter(*entity)) {
+            if (!entity || !addBox(*entity))
+                drawable->worldDraw(this);
+        }
         --depth_;
+        layer_ = layer;
+        blockLayer_ = blockLayer;
         return false;
     }
     void pushModelTransform(const AcGeMatrix3d& matrix) override {
@@ -110,11 +120,29 @@ private:
         return line;
     }
 
+    // The layer that what is drawn now lies on: layer "0" of a block is its reference's.
+    AcDbObjectId shownLayer() const {
+        const bool isZero = layer_.isNull() || (database_ && layer_ == database_->layerZero());
+        return isZero ? blockLayer_ : layer_;
+    }
+    bool hidden() { return database_ && layers_.of(shownLayer()).hidden(); }
+
+    // Takes the entity's layer. False: the entity is not shown, with all that is in it.
+    bool enter(const AcDbEntity& entity) {
+        if (!entity.layerId().isNull())
+            layer_ = entity.layerId();
+        if (!entity.isVisible() || (database_ && layers_.of(shownLayer()).frozen))
+            return false;
+        if (entity.isKindOf(AcDbBlockReference::desc()))
+            blockLayer_ = shownLayer();
+        return true;
+    }
+
     // Texts know their measures better than a drawing call does.
-    bool addBox(AcGiDrawable& drawable) {
-        const bool isText = drawable.isKindOf(AcDbText::desc()) || drawable.isKindOf(AcDbMText::desc());
+    bool addBox(const AcDbEntity& entity) {
+        const bool isText = entity.isKindOf(AcDbText::desc()) || entity.isKindOf(AcDbMText::desc());
         AcDbExtents box;
-        if (!isText || static_cast<AcDbEntity&>(drawable).getGeomExtents(box) != Acad::eOk || !box.isValid())
+        if (!isText || entity.getGeomExtents(box) != Acad::eOk || !box.isValid())
             return false;
         const AcGePoint3d a = box.minPoint(), b = box.maxPoint();
         const AcGePoint3d corners[] = {a, {b.x, a.y, a.z}, {b.x, b.y, a.z}, {a.x, b.y, a.z}};
@@ -122,10 +150,12 @@ private:
         return true;
     }
 
+    const AcDbDatabase* database_;
+    graphics::LayerLooks layers_;
     Outline outline_;
     AcGeMatrix3d transform_;
     std::vector<AcGeMatrix3d> transforms_;
-    AcDbObjectId layer_, linetype_;
+    AcDbObjectId layer_, blockLayer_, linetype_;
     int depth_ = 0;
 };
 
@@ -201,7 +231,7 @@ bool lineTouches(const std::vector<AcGePoint2d>& line, const Region& region) {
 }  // namespace
 
 Outline outlineOf(AcDbEntity& entity) {
-    Collector collector;
+    Collector collector(entity.database());
     collector.draw(&entity);
     return collector.take();
 }

@@ -98,12 +98,18 @@ public:
     }
 
 private:
+    static SelectResult cancelled() {
+        SelectResult result;
+        result.status = RTCAN;
+        return result;
+    }
+
     SelectResult finish(const std::shared_ptr<SelectionSet>& set) {
         if (set->members().empty())
-            return {RTERROR, nullptr};
+            return {};
         if (mode_.method != L"X")
             document_.setPreviousSelection(set);
-        return {RTNORM, set};
+        return {RTNORM, set, std::move(crossed_), std::move(lastCrossing_)};
     }
 
     bool passes(AcDbObjectId id) const {
@@ -145,7 +151,7 @@ private:
         return region;
     }
 
-    Ids inRegion(const Region& region, bool crossing) const {
+    Ids inRegion(const Region& region, bool crossing) {
         Ids found = visibleEntities(*document_.database());
         std::erase_if(found, [&](AcDbObjectId id) {
             const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
@@ -154,10 +160,14 @@ private:
             const Outline outline = outlineOf(*entity);
             return !(crossing ? touches(outline, region) : liesInside(outline, region));
         });
+        if (crossing && !region.fence) {
+            crossed_.insert(found.begin(), found.end());
+            lastCrossing_ = region;
+        }
         return found;
     }
 
-    bool byRegion(const std::wstring& method, Ids& found) const {
+    bool byRegion(const std::wstring& method, Ids& found) {
         const bool window = method == L"W", crossing = method == L"C" || method == L"BOX";
         if (window || crossing) {
             if (request_.points.size() < 2)
@@ -186,7 +196,7 @@ private:
             request.keywords = Keywords(request_.keywords);
             const InputResult answer = document_.prompts().ask(request);
             if (answer.status == RTCAN)
-                return {RTCAN, nullptr};
+                return cancelled();
             if (answer.status == RTNONE)
                 break;
             if (answer.status == RTKWORD)
@@ -194,7 +204,7 @@ private:
             Ids found;
             const Taken taken = take(answer.answer, found, removing);
             if (taken == Taken::Cancelled)
-                return {RTCAN, nullptr};
+                return cancelled();
             if (taken == Taken::Nothing)
                 continue;
             apply(found, *set, removing);
@@ -316,6 +326,8 @@ private:
     const SelectRequest& request_;
     Mode mode_;
     AcGeMatrix3d toWorld_;
+    std::unordered_set<AcDbObjectId> crossed_;
+    Region lastCrossing_;
 };
 
 }  // namespace

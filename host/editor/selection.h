@@ -4,9 +4,11 @@
 
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "host/api/editor.h"
+#include "host/editor/entity_outline.h"
 #include "host/editor/selection_filter.h"
 #include "host/editor/selection_set.h"
 
@@ -27,6 +29,10 @@ struct SelectRequest {
 struct SelectResult {
     int status = RTERROR;               // RTNORM, RTERROR (nothing selected, unknown mode), RTCAN
     std::shared_ptr<SelectionSet> set;  // of RTNORM
+    // What crossing windows and polygons found, and the last of these in plan view; without corners when
+    // there was none.
+    std::unordered_set<AcDbObjectId> crossed;
+    Region lastCrossing;
 };
 SelectResult select(Document& document, const SelectRequest& request);
 

@@ -1,13 +1,14 @@
-// Commands about the drawing as a whole: SETVAR, UCS, UNDO, QSAVE, SAVEAS, and those that only concern a
-// view.
+// Commands about the drawing as a whole: SETVAR, UCS, QSAVE, SAVEAS, and those that only concern a view.
 
 #include <algorithm>
 
 #include "host/database/database_impl.h"
+#include "host/database/names.h"
 #include "host/documents/host.h"
 #include "host/editor/command_context.h"
 #include "host/editor/command_tables.h"
 #include "host/editor/system_variables.h"
+#include "host/exchange/dwg_conversion.h"
 
 namespace drafthost::editor {
 
@@ -39,17 +40,6 @@ void zoomCommand(CommandContext& context) {
     } else if (reply.keyword == L"Object") {
         context.selection();
     }
-}
-
-// Marks and groups are accepted, so that programs run; nothing is undone.
-void undoCommand(CommandContext& context) {
-    const std::wstring option =
-        context.text(L"Enter the number of operations to undo or [Control/BEgin/End/Mark/Back]: ");
-    const std::optional<std::wstring> keyword = Keywords(L"Control BEgin End Mark Back Group").match(option);
-    if (!keyword || *keyword == L"Back")
-        return context.print(L"This host keeps no undo history.");
-    if (*keyword == L"Control")
-        context.text(L"Enter an UNDO control option [All/None/One]: ");
 }
 
 void ucsCommand(CommandContext& context) {
@@ -111,13 +101,24 @@ void variableOfThatName(CommandContext& context) {
     setNamedVariable(context, context.name());
 }
 
+// Drawings are written as DXF: no DWG file is replaced by one, and none is called so.
+bool wouldPassForDwg(const std::wstring& path) {
+    const std::size_t dot = path.find_last_of(L'.');
+    return (dot != std::wstring::npos && equalNames(path.substr(dot), L".dwg")) || exchange::isDwgFile(path);
+}
+
 bool saveTo(CommandContext& context, const std::wstring& path) {
+    if (wouldPassForDwg(path)) {
+        context.print(L"Cannot write " + path + L": drawings are saved as DXF, under a name of their own.");
+        return false;
+    }
     const Acad::ErrorStatus status = context.database().dxfOut(path.c_str());
     if (status != Acad::eOk) {
         context.print(L"Cannot write " + path + L": " + acadErrorStatusText(status) + L".");
         return false;
     }
     context.database().impl().modifications = 0;
+    context.document().undo().saved();
     return true;
 }
 
@@ -136,13 +137,14 @@ void saveAsCommand(CommandContext& context) {
 
 void quickSaveCommand(CommandContext& context) {
     const std::wstring path = context.database().fileName();
-    path.empty() ? saveAsCommand(context) : static_cast<void>(saveTo(context, path));
+    // A drawing from a DWG file is saved under a new name, as a new one is.
+    path.empty() || wouldPassForDwg(path) ? saveAsCommand(context) : static_cast<void>(saveTo(context, path));
 }
 
 constexpr CommandDefinition kCommands[] = {
     {L"QSAVE", quickSaveCommand}, {L"REDRAW", redrawCommand}, {L"REGEN", redrawCommand},
     {L"REGENALL", redrawCommand}, {L"SAVEAS", saveAsCommand}, {L"SETVAR", setvarCommand},
-    {L"UCS", ucsCommand},         {L"UNDO", undoCommand},     {L"ZOOM", zoomCommand},
+    {L"UCS", ucsCommand},         {L"ZOOM", zoomCommand},
 };
 constexpr CommandDefinition kVariable = {L"", variableOfThatName};
 
@@ -158,7 +160,8 @@ const CommandDefinition& variableCommand() {
 
 std::vector<CommandDefinition> allCommands() {
     std::vector<CommandDefinition> all;
-    for (const auto& table : {drawCommands(), changeCommands(), layerCommands(), settingCommands()}) {
+    for (const auto& table :
+         {drawCommands(), changeCommands(), layerCommands(), settingCommands(), undoCommands()}) {
         all.insert(all.end(), table.begin(), table.end());
     }
     std::sort(all.begin(), all.end(),

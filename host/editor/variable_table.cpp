@@ -132,6 +132,19 @@ bool setLastPoint(Document& document, const VariableValue& value) {
     return true;
 }
 
+// Bits: 1 on, 2 only one step is kept, 4 Auto, 8 a group is open.
+VariableValue undoControl(const Document& given) {
+    auto& document = const_cast<Document&>(given);
+    const UndoHistory& history = document.undo();
+    if (history.recording() == UndoHistory::Recording::None)
+        return 0;
+    return 1 + (history.recording() == UndoHistory::Recording::One ? 2 : 0) + (document.undoAuto() ? 4 : 0) +
+           (history.groupOpen() ? 8 : 0);
+}
+VariableValue undoMarks(const Document& document) {
+    return static_cast<int>(const_cast<Document&>(document).undo().marks());
+}
+
 VariableValue worldUcs(const Document& document) {
     return ucsToWorld(*document.database()).isEqualTo(AcGeMatrix3d::kIdentity) ? 1 : 0;
 }
@@ -225,6 +238,8 @@ const VariableRow kRows[] = {
     {.name = L"SNAPMODE", .type = Int, .place = PerDocument, .number = 0, .minimum = 0, .maximum = 1},
     {.name = L"TARGET", .type = Point, .place = PerDocument, .access = Fixed, .number = 0},
     {.name = L"TRACEWID", .type = Real, .place = PerDocument, .number = 1},
+    {.name = L"UNDOCTL", .type = Int, .place = PerDocument, .access = Fixed, .compute = undoControl},
+    {.name = L"UNDOMARKS", .type = Int, .place = PerDocument, .access = Fixed, .compute = undoMarks},
     {.name = L"USERS1", .type = Text, .place = PerDocument},
     {.name = L"USERS2", .type = Text, .place = PerDocument},
     {.name = L"USERS3", .type = Text, .place = PerDocument},

@@ -1,7 +1,9 @@
 #include "host/exchange/audit.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "host/database/class_registry.h"
 #include "host/database/database_impl.h"
 #include "host/database/handles.h"
 #include "host/database/table_states.h"
@@ -22,6 +24,44 @@ bool mustExist(short code) {
     return (code >= 330 && code <= 369) || (code >= 390 && code <= 399);
 }
 
+std::wstring nameOf(const AcDbObject& object) {
+    return std::wstring(dxfNameOf(object)) + L" " + handleText(object.handle());
+}
+
+// Takes what one object says of itself.
+class ModuleAudit final : public AcDbAuditInfo {
+public:
+    explicit ModuleAudit(AuditReport& report) : report_(report) {}
+
+    bool fixErrors() const override { return true; }
+    void printError(const AcDbObject* object, const ACHAR* value, const ACHAR* validation,
+                    const ACHAR* mended) override {
+        const bool isMended = mended && *mended;
+        std::wstring text = object ? nameOf(*object) + L": " : L"";
+        text += value ? value : L"";
+        if (validation && *validation)
+            text += std::wstring(L": must be ") + validation;
+        if (isMended)
+            text += std::wstring(L": set to ") + mended;
+        report_.add(AuditCode::ModuleFinding, std::move(text), 0, isMended);
+        ++told_;
+        toldFixed_ += isMended ? 1 : 0;
+    }
+    void errorsFound(int count) override { counted_ += count; }
+    void errorsFixed(int count) override { countedFixed_ += count; }
+
+    // Errors that were printed are usually counted too: only those beyond are new.
+    void finish() {
+        report_.addUntold(static_cast<std::size_t>(std::max(counted_ - told_, 0)),
+                          static_cast<std::size_t>(std::max(countedFixed_ - toldFixed_, 0)));
+    }
+
+private:
+    AuditReport& report_;
+    int told_ = 0, toldFixed_ = 0;
+    int counted_ = 0, countedFixed_ = 0;
+};
+
 class DatabaseAudit {
 public:
     DatabaseAudit(AcDbDatabase::Impl& impl, AuditReport& report) : impl_(impl), report_(report) {}
@@ -34,9 +74,25 @@ public:
         for (std::size_t i = 0; i < impl_.stubs.size(); ++i)
             if (isAlive(impl_.stubs[i]))
                 adoptEntries(*impl_.stubs[i]);
+        for (std::size_t i = 0; i < impl_.stubs.size(); ++i)
+            if (isAlive(impl_.stubs[i]) && impl_.stubs[i]->object->isA()->appName())
+                auditObject(*impl_.stubs[i]);
     }
 
 private:
+    // The object may mend itself without being open, as while a file is read.
+    void auditObject(AcDbStub& stub) {
+        const bool wasLoading = std::exchange(impl_.loading, true);
+        ModuleAudit audit(report_);
+        const Acad::ErrorStatus status = stub.object->audit(&audit);
+        audit.finish();
+        if (status != Acad::eOk)
+            report_.add(AuditCode::ModuleFinding,
+                        nameOf(*stub.object) + L" cannot be audited: " + acadErrorStatusText(status), 0,
+                        false);
+        impl_.loading = wasLoading;
+    }
+
     void check(AcDbStub& stub) {
         ObjectState& state = *ObjectImp::of(stub.object).state;
         const AcDbHandle handle = stub.handle;
@@ -48,6 +104,10 @@ private:
             checkGroups(object->groups, handle);
         if (auto* entity = dynamic_cast<UnknownEntityState*>(&state))
             checkGroups(entity->groups, handle);
+        if (auto* contents = dynamic_cast<KeptContents*>(&state))
+            for (DwgRecord::Value& value : contents->record.values)
+                if (auto* reference = std::get_if<DwgRecord::Reference>(&value))
+                    checkId(reference->id, handle);
         if (auto* record = dynamic_cast<PlainRecordState*>(&state))
             checkGroups(record->groups, handle);
         if (auto* layer = dynamic_cast<LayerState*>(&state))
@@ -145,11 +205,21 @@ private:
 
 void AuditReport::add(AuditCode code, std::wstring text, std::size_t line, bool fixed) {
     findings_.push_back({code, fixed, std::move(text), line});
-    if (code == AuditCode::Completed)
+    if (code == AuditCode::Completed || code == AuditCode::ObjectsLeftOut)
         return;
     ++found_;
     if (fixed)
         ++fixed_;
+}
+
+void AuditReport::addUntold(std::size_t found, std::size_t fixed) {
+    found_ += found;
+    fixed_ += fixed;
+}
+
+void AuditReport::forgetLines() {
+    for (AuditFinding& finding : findings_)
+        finding.line = 0;
 }
 
 std::wstring AuditReport::summary() const {

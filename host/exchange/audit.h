@@ -38,11 +38,15 @@ enum class AuditCode {
     OrphanedPart = 401,  // attribute, vertex or sequence end that follows nothing it belongs to: left out
     MissingSequenceEnd = 402,  // added
     WrongOwner = 403,          // owner corrected
-    ZeroScale = 404,           // a block insertion of scale 0: set to 1
     RepeatedSubclass = 406,    // an object with the data of two: the second are left out
     NoRadius = 405,            // circle or arc whose radius is not positive: left out
+    UnreadableObject = 407,    // what a module's class cannot read: kept as a proxy
+    ModuleFinding = 408,       // what an object of a module's class found in itself
     // The drawing as a whole.
     Completed = 501,  // something every drawing has was missing and has been added
+    // Other formats.
+    LeftOut = 601,         // entities that cannot be read from a DWG file
+    ObjectsLeftOut = 602,  // objects of a DWG file that are not seen and not read
 };
 
 struct AuditFinding {
@@ -56,9 +60,13 @@ class AuditReport {
 public:
     const std::vector<AuditFinding>& findings() const { return findings_; }
     void add(AuditCode code, std::wstring text, std::size_t line = 0, bool fixed = true);
+    // Errors that somebody counted without telling them one by one.
+    void addUntold(std::size_t found, std::size_t fixed);
     std::size_t errorsFound() const { return found_; }
     std::size_t errorsFixed() const { return fixed_; }
-    // "Auditing: 3 errors found, 3 fixed". Additions to complete a drawing are no errors and are not counted.
+    // For a file whose lines nobody sees.
+    void forgetLines();
+    // "Auditing: 3 errors found, 3 fixed". Objects that are not read from DWG files and additions to complete a drawing are no errors and are not counted.
     std::wstring summary() const;
 
 private:
@@ -69,8 +77,8 @@ private:
 
 // Checks the references between the objects of a drawing and corrects them: owners, reactors, extension
 // dictionaries, dictionary entries, and handles in kept groups that no object has. Arbitrary handles (groups
-// 320 to 329) and handles in extended data (1005) are left alone: they may be meant for another drawing. No
-// object may be open for write.
+// 320 to 329) and handles in extended data (1005) are left alone: they may be meant for another drawing.
+// Objects of modules' classes then check themselves. No object may be open for write.
 void auditDatabase(AcDbDatabase& database, AuditReport& report);
 
 }  // namespace drafthost::exchange

@@ -104,21 +104,6 @@ bool hasNoRadius(const DxfRecord& record) {
     return false;
 }
 
-// A block that is drawn without size is meant to be drawn as it is. True: there was one.
-bool setZeroScales(std::vector<DxfGroup>& groups) {
-    if (std::get<std::wstring>(groups.front().value) != L"INSERT")
-        return false;
-    bool found = false;
-    for (DxfGroup& group : groups) {
-        auto* const scale = std::get_if<double>(&group.value);
-        if (group.code < 41 || group.code > 43 || !scale || *scale != 0)
-            continue;
-        *scale = 1;
-        found = true;
-    }
-    return found;
-}
-
 }  // namespace
 
 DxfLoader::DxfLoader(AcDbDatabase& database, const DxfStructure& structure, AuditReport& report)
@@ -176,6 +161,11 @@ std::optional<ObjectReference> DxfLoader::namedTextStyle(const DxfRecord& record
 }
 
 AcDbObjectId DxfLoader::require(const LoadResult& result, const DxfRecord& record) {
+    if (!result.keptAsProxy.empty())
+        report_.add(AuditCode::UnreadableObject,
+                    widened(record.type) + L" cannot be read by its module (" + result.keptAsProxy +
+                        L"): kept as a proxy",
+                    record.line, false);
     if (result.status == Acad::eOk)
         return result.id;
     const std::wstring reason = result.problem.empty() ? acadErrorStatusText(result.status) : result.problem;
@@ -315,8 +305,6 @@ std::size_t DxfLoader::loadSequence(const Records& records, std::size_t at, AcDb
         return behind;
 
     Groups groups = groupsOf(first);
-    if (setZeroScales(groups))
-        report_.add(AuditCode::ZeroScale, L"INSERT had a scale factor of 0: set to 1", first.line);
     addSubclassMarkers(groups);
     gatherProperties(groups);
     names_.repair(groups, NameRepairs::RecordKind::Entity, first.line);

@@ -92,8 +92,11 @@ DxfReadResult readDxfBytes(AcDbDatabase& database, std::string_view bytes, const
         return result;
     } catch (const DxfError& error) {
         result = failed(Acad::eFileInternalErr, located(name, error));
+        const std::string reason = error.what();
+        result.reason.assign(reason.begin(), reason.end());
     } catch (const std::bad_alloc&) {
         result = failed(Acad::eOutOfMemory, name + L": not enough memory");
+        result.reason = L"not enough memory";
     }
     clear(database.impl());
     return result;

@@ -17,6 +17,7 @@ struct DxfReadResult {
     Acad::ErrorStatus status = Acad::eOk;
     std::wstring message;  // "plan.dxf(line 123): group 40: real number expected, found "abc""; empty when
                            // all went well
+    std::wstring reason;   // the same without name and place
     AuditReport audit;     // what was found and corrected
 };
 

@@ -6,6 +6,8 @@
 #include <optional>
 
 #include "host/database/block_reference_state.h"
+#include "host/database/class_records.h"
+#include "host/database/class_registry.h"
 #include "host/database/loading.h"
 #include "host/database/table_states.h"
 #include "host/database/unknown_objects.h"
@@ -136,7 +138,8 @@ private:
 };
 
 void DxfWriter::write(const AcDbObject* object) {
-    if (!object)
+    // Objects of a class without a DXF name live in memory only.
+    if (!object || !*dxfNameOf(*object))
         return;
     std::vector<DxfGroup> groups = fileGroups(*object);
     dropDeadReferences(groups);
@@ -174,14 +177,15 @@ void DxfWriter::writeHeader() {
     for (const wchar_t* name : kAlways)
         if (!header.find(name))
             write(name);
-    for (const HeaderVariables::Entry& entry : header.entries())
-        write(entry.name);
+    for (const auto& entry : header.entries())
+        write(entry->name);
     endSection();
 }
 
 void DxfWriter::writeClasses() {
     beginSection("CLASSES");
-    for (const ClassGroups& groups : impl_.classes) {
+    constexpr std::string_view kFirstWithCounts = "AC1018";
+    for (const ClassGroups& groups : classRecordsForFile(database_, version_ >= kFirstWithCounts)) {
         output_.ascii(0, "CLASS");
         output_.groups(groups);
     }

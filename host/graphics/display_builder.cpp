@@ -29,24 +29,6 @@ void DisplayBuilder::setColor(std::uint16_t index) {
     traits_.background = false;
 }
 
-const DisplayBuilder::LayerLook& DisplayBuilder::layerLook(AcDbObjectId layer) {
-    const auto [found, isNew] = layers_.try_emplace(layer);
-    LayerLook& look = found->second;
-    if (!isNew)
-        return look;
-    look.color = colorOfIndex(7);
-    const AcDbObjectPointer<AcDbLayerTableRecord> record(layer, AcDb::kForRead);
-    if (!record)
-        return look;
-    look.color = record->trueColor() >= 0 ? rgbOf(static_cast<std::uint32_t>(record->trueColor()))
-                                          : colorOfIndex(record->colorIndex());
-    look.linetype = record->linetypeObjectId();
-    look.lineWeight = record->lineWeight();
-    look.off = record->isOff();
-    look.frozen = record->isFrozen();
-    return look;
-}
-
 AcDbObjectId DisplayBuilder::effectiveLayer() const {
     return traits_.layer.isNull() || traits_.layer == database_.layerZero() ? block_.layer : traits_.layer;
 }
@@ -58,14 +40,14 @@ Rgb DisplayBuilder::effectiveColor() {
         return rgbOf(static_cast<std::uint32_t>(traits_.trueColor));
     if (traits_.color == 0)
         return block_.color;
-    return traits_.color == 256 ? layerLook(effectiveLayer()).color : colorOfIndex(traits_.color);
+    return traits_.color == 256 ? layerLook().color : colorOfIndex(traits_.color);
 }
 
 AcDbObjectId DisplayBuilder::effectiveLinetype() {
     if (traits_.linetype == database_.byBlockLinetype())
         return block_.linetype;
     if (traits_.linetype.isNull() || traits_.linetype == database_.byLayerLinetype()) {
-        return layerLook(effectiveLayer()).linetype;
+        return layerLook().linetype;
     }
     return traits_.linetype;
 }
@@ -73,8 +55,7 @@ AcDbObjectId DisplayBuilder::effectiveLinetype() {
 int DisplayBuilder::effectiveWeight() {
     if (traits_.lineWeight == AcDb::kLnWtByBlock)
         return block_.lineWeight;
-    return traits_.lineWeight == AcDb::kLnWtByLayer ? layerLook(effectiveLayer()).lineWeight
-                                                    : traits_.lineWeight;
+    return traits_.lineWeight == AcDb::kLnWtByLayer ? layerLook().lineWeight : traits_.lineWeight;
 }
 
 const std::vector<double>& DisplayBuilder::pattern(AcDbObjectId linetype) {
@@ -115,7 +96,7 @@ void DisplayBuilder::addLine(Polyline2d line) {
 
 bool DisplayBuilder::polyline(std::uint32_t count, const AcGePoint3d* points, const AcGeVector3d*,
                               std::int64_t) {
-    if (count == 0)
+    if (count == 0 || hidden())
         return false;
     Polyline2d line;
     line.points.reserve(count);
@@ -137,6 +118,8 @@ bool DisplayBuilder::polygon(std::uint32_t count, const AcGePoint3d* points) {
 
 bool DisplayBuilder::polyPolygon(std::uint32_t contourCount, const std::uint32_t* counts,
                                  const AcGePoint3d* points) {
+    if (hidden())
+        return false;
     Area2d area;
     for (std::uint32_t i = 0; i < contourCount; ++i) {
         std::vector<AcGePoint2d>& contour = area.contours.emplace_back();
@@ -159,7 +142,7 @@ bool DisplayBuilder::circularArc(const AcGePoint3d& center, double radius, const
 // An arc that is still circular in plan stays an arc; any other becomes chords.
 bool DisplayBuilder::addArc(const AcGePoint3d& center, double radius, const AcGeVector3d& normal,
                             const AcGeVector3d& start, double sweep) {
-    if (!(radius > 0))
+    if (!(radius > 0) || hidden())
         return false;
     const AcGeVector3d along = start.normal();
     const AcGeVector3d across = normal.normal().crossProduct(along);
@@ -193,6 +176,8 @@ bool DisplayBuilder::addArc(const AcGePoint3d& center, double radius, const AcGe
 bool DisplayBuilder::text(const AcGePoint3d& position, const AcGeVector3d& normal,
                           const AcGeVector3d& direction, const ACHAR* message, int length,
                           const AcGiTextStyle& style) {
+    if (hidden())
+        return false;
     const std::size_t count = length < 0 ? std::wcslen(message) : static_cast<std::size_t>(length);
     const AcGeVector3d along = direction.normal();
     const AcGeVector3d upward = normal.normal().crossProduct(along);
@@ -218,9 +203,15 @@ bool DisplayBuilder::text(const AcGePoint3d& position, const AcGeVector3d& norma
     return false;
 }
 
+// An entity outside the drawing, which another one draws as a part of itself, lies on the layer that the
+// drawing entity has chosen unless it has one of its own.
 void DisplayBuilder::takeTraits(const AcDbEntity& entity) {
+    const AcDbObjectId chosen = traits_.layer;
+    const bool isResident = !entity.objectId().isNull();
     traits_ = Traits{};
     traits_.layer = entity.layerId();
+    if (traits_.layer.isNull() && !isResident)
+        traits_.layer = chosen;
     traits_.linetype = entity.linetypeId();
     traits_.linetypeScale = entity.linetypeScale();
     traits_.trueColor = entity.trueColor();
@@ -228,34 +219,35 @@ void DisplayBuilder::takeTraits(const AcDbEntity& entity) {
     traits_.color = entity.colorIndex();
 }
 
-// Everything drawn while an entity draws itself belongs to it: by-block values and layer "0" of what it draws
-// in turn (the contents of a block) are its own. A frozen layer hides the entity with its contents, a layer
-// that is off hides only what is drawn on it.
+// Everything drawn while an entity draws itself belongs to it: by-block values and layer "0" of what a block
+// reference draws in turn are its own. A frozen layer hides the entity with its contents, a layer that is off
+// hides only what is drawn on it.
+bool DisplayBuilder::drawEntity(AcDbEntity& entity) {
+    if (!entity.isVisible())
+        return true;
+    takeTraits(entity);
+    if (layerLook().frozen)
+        return true;
+    if (entity.isKindOf(AcDbBlockReference::desc()))
+        block_ = {effectiveLayer(), effectiveColor(), effectiveLinetype(), effectiveWeight()};
+    return entity.worldDraw(this);
+}
+
+// The caller goes on with the traits and the transform it had.
 bool DisplayBuilder::draw(AcGiDrawable* drawable) {
     if (!drawable || depth_ >= kDeepestNesting)
         return true;
-    AcDbEntity* entity = AcDbEntity::cast(drawable);
-    if (!entity)
-        return drawable->worldDraw(this);
-    if (!entity->isVisible())
-        return true;
-
-    const Traits savedTraits = traits_;
-    const BlockLook savedBlock = block_;
-    takeTraits(*entity);
-    bool complete = true;
-    const AcDbObjectId layer = effectiveLayer();
-    const LayerLook look = layerLook(layer);
-    const bool isBlock = entity->isKindOf(AcDbBlockReference::desc());
-    if (!look.frozen && (isBlock || !look.off)) {
-        if (isBlock)
-            block_ = {layer, effectiveColor(), effectiveLinetype(), effectiveWeight()};
-        ++depth_;
-        complete = entity->worldDraw(this);
-        --depth_;
-    }
-    traits_ = savedTraits;
-    block_ = savedBlock;
+    const Traits traits = traits_;
+    const BlockLook block = block_;
+    const std::size_t transformCount = transforms_.size();
+    ++depth_;
+    AcDbEntity* const entity = AcDbEntity::cast(drawable);
+    const bool complete = entity ? drawEntity(*entity) : drawable->worldDraw(this);
+    --depth_;
+    while (transforms_.size() > transformCount)
+        popModelTransform();
+    traits_ = traits;
+    block_ = block;
     return complete;
 }
 

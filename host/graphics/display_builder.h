@@ -10,6 +10,7 @@
 #include "host/api/database.h"
 #include "host/graphics/dasher.h"
 #include "host/graphics/display_list.h"
+#include "host/graphics/layer_looks.h"
 
 namespace drafthost::graphics {
 
@@ -65,13 +66,6 @@ private:
         bool fill = true;
         bool background = false;
     };
-    struct LayerLook {
-        Rgb color;
-        AcDbObjectId linetype;
-        int lineWeight = AcDb::kLnWtByLwDefault;
-        bool off = false;
-        bool frozen = false;
-    };
     // What by-block means inside the block being drawn; and the layer that layer "0" stands for there.
     struct BlockLook {
         AcDbObjectId layer;
@@ -80,14 +74,16 @@ private:
         int lineWeight = AcDb::kLnWtByLwDefault;
     };
 
-    const LayerLook& layerLook(AcDbObjectId layer);
     AcDbObjectId effectiveLayer() const;
+    const LayerLook& layerLook() { return layers_.of(effectiveLayer()); }
+    bool hidden() { return layerLook().hidden(); }
     Rgb effectiveColor();
     AcDbObjectId effectiveLinetype();
     int effectiveWeight();
     const std::vector<double>& pattern(AcDbObjectId linetype);
     std::vector<double> currentPattern();
     void takeTraits(const AcDbEntity& entity);
+    bool drawEntity(AcDbEntity& entity);
     AcGePoint2d toPlan(const AcGePoint3d& point) const { return (transform_ * point).convert2d(); }
     bool addArc(const AcGePoint3d& center, double radius, const AcGeVector3d& normal,
                 const AcGeVector3d& start, double sweep);
@@ -102,7 +98,7 @@ private:
     BlockLook block_;
     AcGeMatrix3d transform_;
     std::vector<AcGeMatrix3d> transforms_;
-    std::unordered_map<AcDbObjectId, LayerLook> layers_;
+    LayerLooks layers_;
     std::unordered_map<AcDbObjectId, std::vector<double>> patterns_;
     int depth_ = 0;
 };

@@ -13,7 +13,7 @@ namespace drafthost::graphics {
 namespace {
 
 constexpr double kMargin = 0.03;          // of the longest side, on each side
-constexpr int kLeastSide = 200;           // pixels, so that a long thin drawing still makes a picture
+constexpr int kThinnest = 8;              // longest side over the other: a thin drawing still makes a picture
 constexpr double kHairline = 1.25;        // pixels
 constexpr double kHairlineWeight = 0.25;  // millimetres drawn as a hairline
 
@@ -30,7 +30,7 @@ double strokePixels(float weight) {
     return kHairline * std::max(1.0, weight / kHairlineWeight * 0.8);
 }
 
-PictureFrame fitPicture(const Bounds& given) {
+PictureFrame fitPicture(const Bounds& given, int size) {
     Bounds bounds = given;
     if (!bounds.valid)
         bounds.add({0, 0});
@@ -41,10 +41,10 @@ PictureFrame fitPicture(const Bounds& given) {
     const double border = longest * kMargin;
     longest += 2 * border;
     PictureFrame frame;
-    frame.scale = kPictureSize / longest;
+    frame.scale = size / longest;
     const auto pixels = [&](double side) {
-        return std::clamp(static_cast<int>(std::ceil((side + 2 * border) * frame.scale)), kLeastSide,
-                          kPictureSize);
+        return std::clamp(static_cast<int>(std::ceil((side + 2 * border) * frame.scale)), size / kThinnest,
+                          size);
     };
     frame.width = pixels(width);
     frame.height = pixels(height);
@@ -53,7 +53,7 @@ PictureFrame fitPicture(const Bounds& given) {
     return frame;
 }
 
-bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::wstring& problem) {
+bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::wstring& problem, int size) {
     const std::filesystem::path target(path);
     const std::wstring extension = lowerExtension(target);
     if (extension != L".png" && extension != L".svg") {
@@ -61,7 +61,7 @@ bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::w
         return false;
     }
     const DisplayList list = buildDisplayList(database);
-    const PictureFrame frame = fitPicture(list.bounds());
+    const PictureFrame frame = fitPicture(list.bounds(), size);
     const std::string bytes = extension == L".png" ? pngBytes(list, frame, problem) : svgText(list, frame);
     if (bytes.empty()) {
         return false;

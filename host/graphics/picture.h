@@ -9,12 +9,14 @@
 
 namespace drafthost::graphics {
 
-// Writes a PNG or SVG, by the file's extension. The longest side has kPictureSize pixels. The file is written
-// beside the target and renamed over it, so that a failure leaves an existing picture. False: problem says
-// why.
-bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::wstring& problem);
-
 constexpr int kPictureSize = 1600;
+constexpr int kSmallestPicture = 16, kLargestPicture = 10'000;
+
+// Writes a PNG or SVG, by the file's extension. The longest side has size pixels, from kSmallestPicture to
+// kLargestPicture. The file is written beside the target and renamed over it, so that a failure leaves an
+// existing picture. False: problem says why.
+bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::wstring& problem,
+                  int size = kPictureSize);
 
 // Maps plan coordinates to pixels from the top left corner.
 struct PictureFrame {
@@ -25,8 +27,9 @@ struct PictureFrame {
         return {(p.x - topLeft.x) * scale, (topLeft.y - p.y) * scale};
     }
 };
-// An empty or point-like drawing gets a frame of one unit around it.
-PictureFrame fitPicture(const Bounds& bounds);
+// An empty or point-like drawing gets a frame of one unit around it. size: pixels of the longest side; no
+// side is shorter than an eighth of it.
+PictureFrame fitPicture(const Bounds& bounds, int size = kPictureSize);
 
 // Line width in pixels of a weight in millimetres: hairlines stay visible, heavy lines show their weight.
 double strokePixels(float weight);

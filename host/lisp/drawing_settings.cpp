@@ -4,6 +4,7 @@
 #include "host/database/database_impl.h"
 #include "host/documents/host.h"
 #include "host/editor/commands.h"
+#include "host/editor/object_snap.h"
 #include "host/editor/system_variables.h"
 #include "host/editor/value_conversion.h"
 #include "host/lisp/characters.h"
@@ -119,10 +120,13 @@ Value textbox(Interpreter& interpreter, Arguments arguments) {
         {editor::pointValue(interpreter, box.minPoint()), editor::pointValue(interpreter, box.maxPoint())});
 }
 
-// The host has no object snap in its prompts, and so none here.
-Value osnap(Interpreter&, Arguments arguments) {
-    arguments.point(0);
-    return {};
+Value osnap(Interpreter& interpreter, Arguments arguments) {
+    const Point given = arguments.point(0);
+    const auto modes = editor::snapModes(arguments.string(1));
+    if (!modes)
+        return {};
+    const auto found = editor::snappedPoint(documentOf(interpreter), {given.x, given.y, given.z}, *modes);
+    return found ? editor::pointValue(interpreter, *found) : Value();
 }
 
 Value findfile(Interpreter& interpreter, Arguments arguments) {
@@ -174,7 +178,7 @@ constexpr BuiltinDefinition kTable[] = {
      L"(trans point from to [displacement]) -> point in the other coordinate system, or nil"},
     {L"textbox", textbox, 1, 1,
      L"(textbox groups) -> (lower-left upper-right) of a text at the origin, or nil"},
-    {L"osnap", osnap, 2, 2, L"(osnap point modes) -> nil: there is no object snap"},
+    {L"osnap", osnap, 2, 2, L"(osnap point modes) -> the nearest such point of the entities there, or nil"},
     {L"findfile", findfile, 1, 1, L"(findfile name) -> full path, or nil"},
     {L"arx", arx, 0, 0, L"(arx) -> names of the loaded modules"},
     {L"arxload", arxload, 1, 2, L"(arxload file [onfailure]) -> file"},

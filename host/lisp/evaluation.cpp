@@ -112,8 +112,21 @@ void Interpreter::reportError(const LispError& error) {
     }
 }
 
+void Interpreter::formFinished() {
+    if (topLevelDepth_ == 1 && formFinished_)
+        formFinished_();
+}
+
 Outcome Interpreter::evaluateTopLevel(std::wstring_view text, std::wstring_view sourceName) {
-    return guarded([&] { return loadProgram(text, sourceName); });
+    return guarded([&] {
+        Reader reader(*this, text, sourceName);
+        Value result;
+        while (const std::optional<Value> form = reader.next()) {
+            result = evaluate(*form);
+            formFinished();
+        }
+        return result;
+    });
 }
 
 Outcome Interpreter::callTopLevel(Value function, std::span<const Value> arguments) {
@@ -126,6 +139,7 @@ Outcome Interpreter::evaluateAndPrint(std::wstring_view text) {
         Value result;
         while (const std::optional<Value> form = reader.next()) {
             result = evaluate(*form);
+            formFinished();
             print(prin1ToString(result) + L"\n");
         }
         return result;

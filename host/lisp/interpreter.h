@@ -167,6 +167,8 @@ public:
     Outcome callTopLevel(Value function, std::span<const Value> arguments);
     // The same for text typed at the prompt, printing each form's value with prin1 on a line of its own.
     Outcome evaluateAndPrint(std::wstring_view text);
+    // Called after each form of the outermost evaluateTopLevel or evaluateAndPrint that went well.
+    void setFormFinished(std::function<void()> listener) { formFinished_ = std::move(listener); }
     static InputState inputState(std::wstring_view text);
 
     // Ends the running evaluation with "Function cancelled" at its next safe point. Any thread or
@@ -253,7 +255,9 @@ private:
     Value t_;
     Value nullSymbol_;
     std::vector<BuiltinDefinition> builtins_;
+    void formFinished();
     std::function<std::optional<int>(std::wstring_view)> variableReader_;
+    std::function<void()> formFinished_;
     std::unordered_map<std::type_index, void*> attached_;
 };
 

@@ -5,6 +5,7 @@
 #include "module/drawing/multiline_text_functions.h"
 #include "module/drawing/numeric_functions.h"
 #include "module/ducts/arc_intersections.h"
+#include "module/leader/leader_functions.h"
 
 #include <iterator>
 
@@ -57,11 +58,11 @@ constexpr FunctionEntry functions[] = {
     {L"ssgetX-circle", unavailableThunk},
     {L"ssgetX-polyline", unavailableThunk},
     {L"ssgetX-all", unavailableThunk},
-    {L"qn_qn-leader-insert", unavailableThunk},
-    {L"qn_qn-leader-setPoints", unavailableThunk},
-    {L"qn_qn-leader-setBlock", unavailableThunk},
-    {L"qn_qn-leader-setOffset", unavailableThunk},
-    {L"qn_qn-leader-explode", unavailableThunk},
+    {L"qn_qn-leader-insert", drawingThunk<insertLeader>},
+    {L"qn_qn-leader-setPoints", drawingThunk<setLeaderPoints>},
+    {L"qn_qn-leader-setBlock", drawingThunk<setLeaderBlock>},
+    {L"qn_qn-leader-setOffset", drawingThunk<setLeaderOffset>},
+    {L"qn_qn-leader-explode", drawingThunk<explodeLeader>},
     {L"qn_qn-rand", drawingThunk<randomInteger>},
     {L"qn_atof", drawingThunk<textToReal>},
     {L"AcDbMtext::lastLineWidth", drawingThunk<lastLineWidth>},

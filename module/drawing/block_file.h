@@ -4,8 +4,8 @@
 
 namespace tessary {
 
-// Will insert the drawing file as a block definition of that name into the current drawing. This version
-// cannot read such files: it says so on the command line and returns false.
+// Inserts the drawing file into the current drawing as a block definition of that name. Returns false, prints
+// nothing and changes nothing when the file cannot be read or inserted.
 bool insertBlockFile(const ACHAR* path, const ACHAR* blockName, AcDbObjectId& id);
 
 }  // namespace tessary

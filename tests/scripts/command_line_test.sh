@@ -34,6 +34,9 @@ rejects 'must end in .png .svg' run --picture drawing.gif program.lsp
 rejects 'must end in .stl .obj' run --export drawing.step program.lsp
 rejects 'is a folder' run --save folder.dxf program.lsp
 rejects 'folder of missing/a.png does not exist' run --picture missing/a.png program.lsp
+rejects 'needs a folder' run program.lsp --support
+rejects 'no readable folder blocks' run --support blocks program.lsp
+rejects 'no readable folder drawing.dxf' repl --support drawing.dxf
 rejects 'takes no arguments' build everything
 rejects 'takes one filter' test one two
 rejects 'unusable argument --save' repl --save drawing.dxf

@@ -66,6 +66,8 @@ host run --colour red line.lsp
 check 'an unknown option' 2 $? err 'unknown option --colour'
 host run line.lsp --save
 check 'an option without its value' 2 $? err '--save needs a name'
+host run --picture-size 8 --picture a.png line.lsp
+check 'a picture that is too small' 2 $? err '--picture-size needs a number from 16 to 10000'
 host run --picture a.gif line.lsp
 check 'a picture of another kind' 2 $? err 'must end in .png or .svg'
 

@@ -215,4 +215,66 @@ Command:
 OUT
 )" "$printed"
 
+# --- block files ---
+mkdir -p support/sub support/folder.dwg
+cat >damper.lsp <<'LISP'
+(command "_-LAYER" "_M" "Dampers" "")
+(entmake '((0 . "CIRCLE") (8 . "Dampers") (10 1.0 0.0 0.0) (40 . 2.0)))
+(setvar "INSBASE" '(1.0 0.0 0.0))
+LISP
+"$TESSARY_WINE" "$TESSARY_BIN/drafthost.exe" run --save damper.dxf damper.lsp >/dev/null 2>err.txt || cat err.txt
+for name in Damper Damper.v2 'Lüfter 3' sub/Damper; do
+    cp damper.dxf "support/$name.dwg"
+done
+head -c 3000 damper.dxf >support/torn.dwg
+echo 'Dear all,' >support/letter.dwg
+: >support/void.dwg
+
+printed=$(session helpers.arx --support support <<'LISP'
+(setq told nil)
+(defun qnBlock-alertMissing (name) (setq told (cons name told)))
+(defun first (name) (entget (cdr (assoc -2 (tblsearch "BLOCK" name)))))
+(cdr (assoc 2 (entget (hlp_block "Damper"))))
+(list (cdr (assoc 0 (first "damper"))) (cdr (assoc 8 (first "damper"))) (cdr (assoc 10 (tblsearch "BLOCK" "damper"))))
+(list (eq (hlp_block "DAMPER") (hlp_block "Damper")) (tblsearch "LAYER" "nothing") (not (tblsearch "LAYER" "dampers")))
+(list (type (hlp_block "Damper.v2")) (type (hlp_block "Lüfter 3")) (cdr (assoc 0 (first "Damper.v2"))))
+(progn (command "_SAVEAS" "before.dxf") (list told))
+(hlp_block "letter")
+(hlp_block "torn")
+(hlp_block "void")
+(hlp_block "sub\\Damper")
+(list told)
+(hlp_block "folder")
+(hlp_block "Damper?")
+(list told)
+(progn (command "_SAVEAS" "after.dxf") (hlp_lock))
+LISP
+)
+same 'block files' "$(cat <<'OUT'
+
+Loading Quarnel Tessary (Jet64)
+Command: nil
+Command: QNBLOCK-ALERTMISSING
+Command: FIRST
+Command: "Damper"
+Command: ("CIRCLE" "Dampers" (1.0 0.0 0.0))
+Command: (T nil nil)
+Command: (ENAME ENAME "CIRCLE")
+Command: Save drawing as: before.dxf
+(nil)
+Command: "kept"
+Command: "kept"
+Command: "kept"
+Command: "kept"
+Command: (nil)
+Command: "kept"
+Command: "kept"
+Command: (("Damper?" "folder"))
+Command: Save drawing as: after.dxf
+1
+Command:
+OUT
+)" "$printed"
+cmp before.dxf after.dxf || failures=$((failures + 1))
+
 exit "$((failures > 0))"

@@ -1,0 +1,17 @@
+;;; Leaders while the add-in is away: they look as they did.
+(load "shared/drawing")
+(frame 40.0 30.0)
+(layer "LEADERS" 2)
+(layer "OWN" 3)
+(block "ROUND" (list circle-part (subst '(8 . "OWN") '(8 . "0") (line-part -1.0 0.0 1.0 0.0))
+                     (append (text-part "27" 0.9 0.0 0.0) '((62 . 0)))))
+(block "AROUND" (list '((0 . "INSERT") (8 . "0") (62 . 1) (2 . "ROUND") (10 0.0 0.0 0.0) (41 . 1.0) (42 . 0.5) (43 . 1.0))))
+(leader '(2.0 3.0 0.0) '(6.0 8.0 0.0) '(14.0 8.0 0.0) 4.0 "ROUND")
+(with '((62 . 4)) (leader '(2.0 17.0 0.0) '(6.0 22.0 0.0) '(14.0 20.0 0.0) 4.0 "AROUND"))
+(setq gone (leader '(22.0 3.0 0.0) '(26.0 8.0 0.0) '(34.0 8.0 0.0) 4.0 "ROUND"))
+(arxunload "Tessary2010x64.arx")
+(if (eq (type qn_qn-leader-insert) 'EXRXSUBR) (princ "The add-in is still there."))
+;; The layer of the symbol's bar changes its colour: the picture follows.
+(entmod (subst '(62 . 5) (assoc 62 (entget (tblobjname "LAYER" "OWN"))) (entget (tblobjname "LAYER" "OWN"))))
+(entdel gone)
+(princ)

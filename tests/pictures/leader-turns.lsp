@@ -1,0 +1,15 @@
+;;; The second segment turned into all four quadrants; no offset, one longer than the segment, no block, mirrored.
+(load "shared/drawing")
+(frame 40.0 30.0)
+(layer "LEADERS" 2)
+(block "FLAG" (list circle-part (line-part 0.0 0.0 1.0 0.0) (line-part 0.0 0.0 0.0 0.5) (text-part "F" 0.6 0.4 0.4)))
+(foreach way '((6.0 3.0) (-6.0 3.0) (-6.0 -3.0) (6.0 -3.0))
+  (leader '(12.0 22.0 0.0) (list (+ 12.0 (/ (car way) 4)) (+ 22.0 (cadr way)) 0.0)
+          (list (+ 12.0 (car way)) (+ 22.0 (* 1.5 (cadr way))) 0.0) 2.0 "FLAG"))
+(leader '(22.0 26.0 0.0) '(26.0 24.0 0.0) '(34.0 26.0 0.0) 0 "FLAG")
+(leader '(24.0 19.0 0.0) '(30.0 16.0 0.0) '(33.0 16.0 0.0) 5.0 "FLAG")
+;; As a drawing brings it that has lost the block.
+(entmake '((0 . "QNLEADER") (100 . "AcDbEntity") (8 . "LEADERS") (100 . "QNLeader") (10 2.0 3.0 0.0) (11 6.0 8.0 0.0) (12 14.0 8.0 0.0) (40 . 2.0)))
+(setq original (leader '(21.0 3.0 0.0) '(23.0 7.0 0.0) '(27.0 4.0 0.0) 2.0 "FLAG"))
+(command "_MIRROR" original "" '(30.0 0.0) '(30.0 5.0) "_No")
+(princ)
