@@ -1,7 +1,7 @@
 // Entities, without dimensions, leaders and hatches.
 
 #include <algorithm>
-#include <array>
+#include <cstring>
 #include <string_view>
 
 #include "dwgreader/collector.h"
@@ -14,6 +14,19 @@ namespace {
 
 constexpr int kByLayer = 256;
 
+// The number in an enumeration of the library, which sets them to whatever the file holds.
+template <class Enumeration>
+int number(const Enumeration& value) {
+    static_assert(sizeof(Enumeration) == sizeof(int));
+    int result = 0;
+    std::memcpy(&result, &value, sizeof result);
+    return result;
+}
+
+bool isOnPaper(const DRW_Entity& entity) {
+    return number(entity.space) == DRW::PaperSpace;
+}
+
 void thickness(DxfText& groups, double value) {
     if (value != 0.0)
         groups.real(39, value);
@@ -24,7 +37,7 @@ void thickness(DxfText& groups, double value) {
 DxfText Collector::properties(const DRW_Entity& entity) const {
     DxfText groups;
     groups.text(100, "AcDbEntity");
-    if (entity.space == DRW::PaperSpace)
+    if (isOnPaper(entity))
         groups.integer(67, 1);
     groups.text(8, entity.layer);
     if (!entity.lineType.empty() && entity.lineType != "bylayer" && entity.lineType != "BYLAYER")
@@ -45,7 +58,7 @@ Entity Collector::begin(const DRW_Entity& entity, const char* type) {
     Entity begun;
     begun.handle = entity.handle;
     begun.owner = entity.parentHandle ? entity.parentHandle : currentBlock_;
-    begun.paper = entity.space == DRW::PaperSpace;
+    begun.paper = isOnPaper(entity);
     begun.before.text(0, type).handle(5, entity.handle).append(properties(entity));
     return begun;
 }
@@ -290,15 +303,15 @@ DxfText Collector::textGroups(const DRW_Text& text) const {
     thickness(groups, text.thickness);
     groups.point(10, text.basePoint).real(40, text.height).text(1, text.text);
     groups.real(50, text.angle).real(41, text.widthscale).degrees(51, text.oblique);
-    groups.text(7, text.style).integer(71, text.textgen).integer(72, text.alignH);
-    if (text.alignH != DRW_Text::HLeft || text.alignV != DRW_Text::VBaseLine)
+    groups.text(7, text.style).integer(71, text.textgen).integer(72, number(text.alignH));
+    if (number(text.alignH) != DRW_Text::HLeft || number(text.alignV) != DRW_Text::VBaseLine)
         groups.point(11, text.secPoint);
     return groups.normal(text.extPoint);
 }
 
 void Collector::addText(const DRW_Text& text) {
     Entity entity = begin(text, "TEXT");
-    entity.after.append(textGroups(text)).text(100, "AcDbText").integer(73, text.alignV);
+    entity.after.append(textGroups(text)).text(100, "AcDbText").integer(73, number(text.alignV));
     finish(std::move(entity), text);
 }
 
@@ -309,7 +322,7 @@ Entity Collector::attribute(const DRW_Attribute& source, bool definition) {
     if (definition)
         entity.after.text(3, source.prompt);
     entity.after.text(2, source.tag).integer(70, source.attFlags).integer(73, source.fieldLength);
-    entity.after.integer(74, source.alignV);
+    entity.after.integer(74, number(source.alignV));
     return entity;
 }
 
@@ -327,9 +340,9 @@ void Collector::addMText(const DRW_MText& text) {
     Entity entity = begin(text, "MTEXT");
     entity.after.text(100, "AcDbMText").point(10, text.basePoint).real(40, text.height);
     entity.after.real(41, text.widthscale).integer(71, text.textgen);
-    entity.after.integer(72, static_cast<int>(text.alignH)).longText(text.text);
+    entity.after.integer(72, text.direction).longText(text.text);
     entity.after.text(7, text.style).normal(text.extPoint).point(11, text.secPoint);
-    entity.after.integer(73, static_cast<int>(text.alignV)).real(44, text.interlin);
+    entity.after.integer(73, text.spacingStyle).real(44, text.interlin);
     finish(std::move(entity), text);
 }
 

@@ -4,8 +4,8 @@
     picture.py [--update] NAME.lsp...
 
 The host runs NAME.lsp with the add-in loaded, in an empty folder of its own, and writes a picture of the drawing, 400
-pixels at its longest side; NAME.png must look like it. A picture that does not is left in the folder `pictures` of the
-current one, with NAME-difference.png, where the pixels that differ are white on the faded picture that was expected.
+pixels at its longest side; NAME.png must look like it. A picture that does not is left in the folder `picture-failures`
+of the current one, with NAME-difference.png, where the pixels that differ are white on the faded one that was expected.
 --update keeps the new picture instead: look at it first.
 
 Two pictures look alike when at most one pixel in 5000 differs. A pixel differs when its colour lies farther than the
@@ -82,7 +82,7 @@ def draw(program):
 
 
 def keep_difference(name, drawn, wanted, mask):
-    folder = pathlib.Path("pictures")
+    folder = pathlib.Path("picture-failures")
     folder.mkdir(exist_ok=True)
     (folder / f"{name}.png").write_bytes(drawn)
     if mask is not None:
@@ -100,7 +100,8 @@ def check(program, update):
         golden.write_bytes(drawn)
         return ""
     if not golden.is_file():
-        return f"there is no picture {golden.name} to compare with (left in {keep_difference(program.stem, drawn, None, None)})"
+        folder = keep_difference(program.stem, drawn, None, None)
+        return f"there is no picture {golden.name} to compare with; the new one is in {folder}"
     with tempfile.TemporaryFile() as file:
         file.write(drawn)
         got = Image.open(file).convert("RGB")

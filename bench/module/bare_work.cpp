@@ -1,7 +1,8 @@
 // A small module for benchmarks: the bare work that the add-in's functions stand on, called from C++, and a
-// clock. Its times are the baselines of bench/module_calls.lsp and bench/database_calls.lsp, taken in the
-// same process.
+// clock. Its times are the baselines of bench/module_calls.lsp, bench/database_calls.lsp and
+// bench/leaders.lsp, taken in the same process.
 
+#include "bench/module/bare_entities.h"
 #include "bench/module/bare_records.h"
 
 #include <windows.h>
@@ -11,13 +12,6 @@
 #include "host/api/editor.h"
 
 namespace {
-
-double secondsNow() {
-    LARGE_INTEGER count, frequency;
-    QueryPerformanceCounter(&count);
-    QueryPerformanceFrequency(&frequency);
-    return static_cast<double>(count.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
 
 int repetitions() {
     resbuf* arguments = acedGetArgs();
@@ -81,7 +75,11 @@ void registerFunctions() {
     constexpr Entry kEntries[] = {{L"bench-clock", clockFunction},
                                   {L"bench-bare-length", bareLength},
                                   {L"bench-bare-intersection", bareIntersection},
-                                  {L"bench-bare-records", bareRecords}};
+                                  {L"bench-bare-records", bareRecords},
+                                  {L"bench-draw", bareDraw},
+                                  {L"bench-extents", bareExtents},
+                                  {L"bench-osnap", bareOsnap},
+                                  {L"bench-load", bareLoad}};
     short number = 0;
     for (const Entry& entry : kEntries) {
         acedDefun(entry.name, number);

@@ -121,12 +121,31 @@ bool appendTransformed(AcDbEntityArray& copies, const AcDbEntity& entity, const 
     return complete;
 }
 
+bool isOfModule(const AcDbEntity& entity) {
+    return entity.isA()->appName() != nullptr;
+}
+
+// Copies of what shows of a part in its block. An entity of a module may keep the size of its symbols when it is
+// transformed itself; in a block it is drawn turned and scaled like everything else, and so are its parts. False
+// also when these are of modules again: a symbol may show the block that it is a part of, which has no end.
+bool appendShown(AcDbEntityArray& copies, const AcDbEntity& entity, const AcGeMatrix3d& matrix) {
+    if (!isOfModule(entity))
+        return appendTransformed(copies, entity, matrix);
+    AcDbEntityArray parts;
+    bool complete = entity.explode(parts) == Acad::eOk;
+    for (AcDbEntity* const part : parts) {
+        const std::unique_ptr<AcDbEntity> owned(part);
+        complete = complete && !isOfModule(*part) && appendTransformed(copies, *part, matrix);
+    }
+    return complete;
+}
+
 // The exact box of a turned part is that of a turned copy; a part that cannot be turned counts with its own
 // box.
 void addTransformed(AcDbExtents& extents, const AcDbEntity& entity, const AcGeMatrix3d& matrix,
                     bool boxIsExact) {
     AcDbEntityArray copies;
-    bool measured = !boxIsExact && appendTransformed(copies, entity, matrix);
+    bool measured = !boxIsExact && appendShown(copies, entity, matrix);
     AcDbExtents box;
     for (AcDbEntity* const copy : copies) {
         const std::unique_ptr<AcDbEntity> owned(copy);
@@ -137,15 +156,17 @@ void addTransformed(AcDbExtents& extents, const AcDbEntity& entity, const AcGeMa
         return;
     }
     AcDbExtents own;
-    if (entity.getGeomExtents(own) == Acad::eOk)
+    entity.getGeomExtents(own);  // what it could measure counts, also when it failed at some part
+    if (own.isValid())
         addCorners(extents, own, matrix);
 }
 
 // What is "by block" and what lies on layer 0 looks like the reference; exploded it keeps that look.
-void inheritProperties(AcDbEntity& part, const AcDbEntity& reference) {
+// The reference may be one that another entity draws as a part of itself, in no drawing and without a layer.
+void inheritProperties(AcDbEntity& part, const AcDbBlockReference& reference) {
     auto& state = static_cast<EntityState&>(*ObjectImp::of(&part).state);
-    const auto& from = readState<EntityState>(&reference);
-    const AcDbDatabase* const database = reference.database();
+    const State& from = stateOf(&reference);
+    const AcDbDatabase* const database = from.block.database();
     if (state.color == 0) {
         state.color = from.color;
         state.trueColor = from.trueColor;
@@ -156,7 +177,7 @@ void inheritProperties(AcDbEntity& part, const AcDbEntity& reference) {
         return;
     if (state.linetype == database->byBlockLinetype())
         state.linetype = from.linetype;
-    if (state.layer == database->layerZero())
+    if (state.layer == database->layerZero() && !from.layer.isNull())
         state.layer = from.layer;
 }
 

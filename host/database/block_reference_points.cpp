@@ -9,6 +9,7 @@
 #include "host/database/edit_points.h"
 #include "host/database/nesting.h"
 #include "host/database/snap_points.h"
+#include "host/database/text_states.h"
 
 using namespace drafthost;
 
@@ -18,7 +19,8 @@ using State = BlockReferenceState;
 
 // What lies on layer 0 of a block goes with the layer of the reference, which the caller has looked at.
 bool isShown(const AcDbEntity& entity) {
-    if (!entity.isVisible())
+    const auto* const attribute = AcDbAttribute::cast(&entity);
+    if (!entity.isVisible() || (attribute && (attribute->flags() & AttributeState::kInvisible) != 0))
         return false;
     const auto* const layer = peek<AcDbLayerTableRecord>(entity.layerId());
     return !layer || (!layer->isOff() && !layer->isFrozen());
@@ -42,10 +44,10 @@ void appendEntity(const SnapQuery& query, const AcDbEntity& entity, const AcGeMa
                   AcGePoint3dArray& points) {
     if (const auto* const nested = AcDbBlockReference::cast(&entity))
         return appendContents(query, readState<State>(nested), toWorld, points);
-    if (const auto curve = snapCurveOf(entity))
-        return appendSnapPoints(query, *curve, toWorld, points);
     if (!isMetric(query.mode) || toWorld.isUniScaledOrtho({.equalVector = 1e-9, .equalPoint = 1e-9}))
         return askEntity(query, entity, toWorld, points);
+    if (const auto curve = snapCurveOf(entity))
+        return appendSnapPoints(query, *curve, toWorld, points);
     AcDbEntityArray parts;
     entity.explode(parts);
     for (AcDbEntity* const part : parts) {

@@ -106,17 +106,14 @@ int proxyFlagsIn(const ClassGroups& record) {
 void keepClassRecord(AcDbDatabase& database, const AcRxClass& cls) {
     if (!cls.dxfName())
         return;
-    const auto* const known = findClassRecord(database, cls.dxfName());
-    if (known)
-        const_cast<ClassGroups&>(*known) = recordOf(cls);
+    auto& records = database.impl().classes;
+    const auto known = std::ranges::find_if(records, [&cls](const ClassGroups& record) {
+        return equalNames(textIn(record, kDxfName), cls.dxfName());
+    });
+    if (known != records.end())
+        *known = recordOf(cls);
     else
-        database.impl().classes.push_back(recordOf(cls));
-}
-
-void addClassRecords(AcDbDatabase& database, const AcDbDatabase& from) {
-    for (const ClassGroups& record : from.impl().classes)
-        if (!findClassRecord(database, textIn(record, kDxfName)))
-            database.impl().classes.push_back(record);
+        records.push_back(recordOf(cls));
 }
 
 std::vector<ClassGroups> classRecordsForFile(const AcDbDatabase& database, bool withCounts) {

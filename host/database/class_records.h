@@ -20,8 +20,6 @@ int proxyFlagsIn(const ClassGroups& record);
 
 // Gives the drawing the record of a class that is here now, in the place of one it has.
 void keepClassRecord(AcDbDatabase& database, const AcRxClass& cls);
-// Gives the drawing those records of another one that it lacks. For objects that come from there.
-void addClassRecords(AcDbDatabase& database, const AcDbDatabase& from);
 
 // The records as a file has them now: each class once, one for every class of a module that has objects in
 // the drawing, with their numbers. withCounts: the file's version has group 91 (AC1018 and later); records

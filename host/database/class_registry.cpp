@@ -1,5 +1,6 @@
 #include "host/database/class_registry.h"
 
+#include <functional>
 #include <memory>
 #include <unordered_map>
 
@@ -204,6 +205,18 @@ void deleteAcRxClass(AcRxClass* cls) {
         classes.gone.push_back(std::move(known->second));
         known = classes.byName.erase(known);
     }
+}
+
+void drafthost::deleteClassesMadeIn(const void* begin, const void* end) {
+    std::vector<AcRxClass*> left;
+    for (const auto& [cls, impl] : registry().insides) {
+        const void* const code = reinterpret_cast<const void*>(impl->constructor);
+        if (code && !std::less<>()(code, begin) && std::less<>()(code, end))
+            left.push_back(const_cast<AcRxClass*>(cls));
+    }
+    // One may have gone with another that it derives from.
+    for (AcRxClass* const cls : left)
+        deleteAcRxClass(cls);
 }
 
 AcRxClass* acrxFindClass(const ACHAR* name) {

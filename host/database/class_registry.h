@@ -34,6 +34,10 @@ AcRxClass* registerBuiltInClass(const ACHAR* name, AcRxClass* parent, const ACHA
 // The class filed under that DXF name ("LINE"), without regard to case; null when there is none.
 AcRxClass* findClassByDxfName(std::wstring_view dxfName);
 
+// Takes back the classes whose objects are made by code between the two addresses: that of a module which
+// goes without having done so. Their objects' code is still there.
+void deleteClassesMadeIn(const void* begin, const void* end);
+
 // The name under which the object is filed: its class's, or the kept one of an object of an unknown class.
 const ACHAR* dxfNameOf(const AcDbObject& object);
 

@@ -3,85 +3,19 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/api/block_reference.h"
-#include "host/database/block_reference_state.h"
 #include "host/database/class_registry.h"
+#include "host/database/copied_state.h"
 #include "host/database/entity_parts.h"
 #include "host/database/named_references.h"
 #include "host/database/names.h"
 #include "host/database/proxies.h"
 #include "host/database/symbol_records.h"
-#include "host/database/text_states.h"
-#include "host/database/unknown_objects.h"
 
 namespace drafthost {
 namespace {
 
 bool isOwner(ReferenceKind kind) {
     return kind == ReferenceKind::SoftOwner || kind == ReferenceKind::HardOwner;
-}
-
-// Puts other ids and handles in the place of those that a state holds. A handle in front of an id names the
-// same object; one without an id is all that is known (extended data keep them so).
-class Translator final : public StateWalker {
-public:
-    using Ids = std::function<AcDbObjectId(AcDbObjectId, ReferenceKind)>;
-    using Handles = std::function<AcDbHandle(AcDbHandle)>;
-    Translator(const Ids& ids, const Handles& handles) : ids_(ids), handles_(handles) {}
-
-    void value(bool&) override { handle_ = nullptr; }
-    void value(std::int32_t&) override { handle_ = nullptr; }
-    void value(std::int64_t&) override { handle_ = nullptr; }
-    void value(double&) override { handle_ = nullptr; }
-    void value(std::wstring&) override { handle_ = nullptr; }
-    void value(AcGePoint2d&) override { handle_ = nullptr; }
-    void value(AcGePoint3d&) override { handle_ = nullptr; }
-    void value(AcGeVector3d&) override { handle_ = nullptr; }
-    void value(std::vector<std::uint8_t>&) override { handle_ = nullptr; }
-    void value(AcDbHandle& handle) override { handle_ = &handle; }
-    void reference(AcDbObjectId& id, ReferenceKind kind) override {
-        AcDbHandle* const handle = std::exchange(handle_, nullptr);
-        if (!id.isNull()) {
-            id = ids_(id, kind);
-            if (handle)
-                *handle = id.handle();
-        } else if (handle && !handle->isNull()) {
-            *handle = handles_(*handle);
-        }
-    }
-    std::size_t count(std::size_t present) override {
-        handle_ = nullptr;
-        return present;
-    }
-
-private:
-    const Ids& ids_;
-    const Handles& handles_;
-    AcDbHandle* handle_ = nullptr;  // of the id that comes next
-};
-
-void dropNull(std::vector<AcDbObjectId>& ids) {
-    std::erase_if(ids, [](AcDbObjectId id) { return id.isNull(); });
-}
-
-// Lists of owned objects have no gaps where one was left behind.
-void closeGaps(ObjectState& state) {
-    if (auto* const reference = dynamic_cast<BlockReferenceState*>(&state))
-        dropNull(reference->attributes);
-    else if (auto* const unknown = dynamic_cast<UnknownEntityState*>(&state))
-        dropNull(unknown->subEntities);
-    else if (auto* const block = dynamic_cast<BlockState*>(&state))
-        dropNull(block->entities);
-    else if (auto* const dictionary = dynamic_cast<DictionaryState*>(&state))
-        std::erase_if(dictionary->entries, [](const auto& entry) { return entry.id.isNull(); });
-}
-
-// A text without a style has its drawing's current one, which is another in the target.
-void nameDefaults(ObjectState& state, const AcDbDatabase& source) {
-    if (auto* const text = dynamic_cast<TextState*>(&state); text && text->style.isNull())
-        text->style = source.textstyle();
-    if (auto* const text = dynamic_cast<MTextState*>(&state); text && text->style.isNull())
-        text->style = source.textstyle();
 }
 
 }  // namespace
@@ -273,17 +207,13 @@ AcDbHandle DeepCopy::translatedHandle(AcDbHandle handle) const {
 }
 
 void DeepCopy::translate(ObjectState& state, bool idsToo) const {
-    const Translator::Ids ids = [&](AcDbObjectId id, ReferenceKind kind) {
-        return idsToo ? translated(id, kind) : id;
-    };
-    const Translator::Handles handles = [&](AcDbHandle handle) { return translatedHandle(handle); };
-    Translator translator(ids, handles);
-    state.file(translator);
+    translateState(
+        state, [&](AcDbObjectId id, ReferenceKind kind) { return idsToo ? translated(id, kind) : id; },
+        [&](AcDbHandle handle) { return translatedHandle(handle); });
 }
 
 void DeepCopy::settleState(Copy& copy) {
     ObjectState& state = *copy.state;
-    const ObjectState& present = *ObjectImp::of(copy.object).state;
     std::erase_if(state.reactors, [&](AcDbObjectId id) { return copyOf(id).isNull(); });
     forEachNamedReference(state, [&](std::wstring& name, TableIndex table) {
         const AcDbObjectId record = copyOf(findRecord(&source_, table, name));
@@ -298,26 +228,34 @@ void DeepCopy::settleState(Copy& copy) {
         if (const auto* const zero = peek<AcDbLayerTableRecord>(target_.layerZero()))
             layer->plotStyle = readState<LayerState>(zero).plotStyle;
     }
-    if (copy.record) {
-        state.owner = present.owner;
-        const bool replaces = !copy.record->present.isNull();
-        if (replaces) {
-            state.reactors = present.reactors;
-            eraseWithEntries(present.extensionDictionary);
-        }
-        if (auto* const block = dynamic_cast<BlockState*>(&state)) {
-            const auto& before = static_cast<const BlockState&>(present);
-            if (replaces)
-                eraseContents(*AcDbBlockTableRecord::cast(copy.object));
-            block->begin = before.begin;
-            block->end = before.end;
-            block->entities.insert(block->entities.begin(), before.entities.begin(), before.entities.end());
-            for (std::size_t i = 0; i < block->entities.size(); ++i)
-                block->entities[i].stub()->place = static_cast<std::uint32_t>(i);
-        }
-        noteChange(*ObjectImp::of(copy.object).stub);
-    }
+    if (copy.record)
+        settleRecord(copy);
     ObjectImp::of(copy.object).state = std::move(copy.state);
+}
+
+// A record keeps its place in the target; what one that is replaced owned ends.
+void DeepCopy::settleRecord(Copy& copy) {
+    ObjectState& state = *copy.state;
+    const ObjectState& present = *ObjectImp::of(copy.object).state;
+    noteChange(*ObjectImp::of(copy.object).stub);
+    state.owner = present.owner;
+    const bool replaces = !copy.record->present.isNull();
+    if (replaces) {
+        state.reactors = present.reactors;
+        eraseWithEntries(present.extensionDictionary);
+    }
+    auto* const block = dynamic_cast<BlockState*>(&state);
+    if (!block)
+        return;
+    if (replaces)
+        eraseContents(*AcDbBlockTableRecord::cast(copy.object));
+    const auto& before = static_cast<const BlockState&>(present);
+    block->begin = before.begin;
+    block->end = before.end;
+    // Erased entities stay in the list, where undo looks for them.
+    block->entities.insert(block->entities.begin(), before.entities.begin(), before.entities.end());
+    for (std::size_t i = 0; i < block->entities.size(); ++i)
+        block->entities[i].stub()->place = static_cast<std::uint32_t>(i);
 }
 
 Acad::ErrorStatus DeepCopy::settleFiled(Copy& copy) {

@@ -89,6 +89,7 @@ private:
     AcDbHandle translatedHandle(AcDbHandle handle) const;
     void translate(ObjectState& state, bool idsToo) const;
     void settleState(Copy& copy);
+    void settleRecord(Copy& copy);
     Acad::ErrorStatus settleFiled(Copy& copy);
 
     AcDbDatabase& source_;

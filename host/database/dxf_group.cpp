@@ -1,10 +1,12 @@
 #include "host/database/dxf_group.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "host/api/database.h"
 #include "host/database/handles.h"
 #include "host/database/resbuf_text.h"
+#include "host/geometry/tolerance.h"
 
 namespace drafthost {
 namespace {
@@ -74,6 +76,15 @@ struct NodeFiller {
 };
 
 }  // namespace
+
+bool hasFiniteValue(const DxfGroup& group) {
+    if (const auto* const number = std::get_if<double>(&group.value))
+        return std::isfinite(*number);
+    if (const auto* const point = std::get_if<AcGePoint3d>(&group.value))
+        return isFinite(*point);
+    const auto* const flat = std::get_if<AcGePoint2d>(&group.value);
+    return !flat || isFinite(*flat);
+}
 
 DxfKind dxfKind(int code) {
     const auto* const range =

@@ -29,6 +29,10 @@ struct DxfGroup {
     DxfValue value;
 };
 
+// False for a number that files cannot hold: an infinite one, or one that is no number. True for all but
+// reals and points.
+bool hasFiniteValue(const DxfGroup& group);
+
 // What the value of a group with this code is. Codes outside the defined ranges are Text.
 enum class DxfKind { Text, Point, Real, Int16, Int32, Int64, Bool, Handle, Reference, Binary };
 DxfKind dxfKind(int code);

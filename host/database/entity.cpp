@@ -179,12 +179,11 @@ Acad::ErrorStatus AcDbEntity::dwgInFields(AcDbDwgFiler* filer) {
 
 Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents& extents) const {
     AcDbExtents own;
-    if (const auto status = subGetGeomExtents(own); status != Acad::eOk)
+    const Acad::ErrorStatus status = subGetGeomExtents(own);
+    extents.addExt(own);  // an entity of several parts that fails at the last one has measured the others
+    if (status != Acad::eOk)
         return status;
-    if (!own.isValid())
-        return Acad::eInvalidExtents;
-    extents.addExt(own);
-    return Acad::eOk;
+    return own.isValid() ? Acad::eOk : Acad::eInvalidExtents;
 }
 
 Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d& matrix) {

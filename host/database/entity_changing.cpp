@@ -171,10 +171,15 @@ int modify(AcDbObject& object, const Groups& given) {
         return entityError(status);
     prepareWrite(&object);
     if (object.isA()->appName()) {
-        // A module's object keeps its contents itself; it reads them again.
-        GroupFiler filer(&database, mergedGroups(present, content), AcDb::kBagFiler);
+        // A module's object keeps its contents itself; it reads them again, behind its name and type.
+        Groups groups = mergedGroups(present, content);
+        std::erase_if(groups, [](const DxfGroup& group) { return group.code <= 0; });
+        GroupFiler filer(&database, std::move(groups), AcDb::kBagFiler);
         status = object.dxfInFields(&filer);
-        ObjectImp::of(&object).state->xdata = state.xdata;
+        // What nobody knows of the list is kept by the reading of whole objects, which the one beside it had.
+        ObjectState& own = *ObjectImp::of(&object).state;
+        own.extras = state.extras;
+        own.xdata = state.xdata;
         return status == Acad::eOk ? static_cast<int>(RTNORM) : entityError(status);
     }
     std::swap(ObjectImp::of(&object).state, ObjectImp::of(next.get()).state);

@@ -181,6 +181,9 @@ int entityError(Acad::ErrorStatus status) {
         case Acad::ePermanentlyErased: return entityError(kErrnoDeletedEntity, L"the entity was erased");
         case Acad::eInvalidAdsName:
         case Acad::eNullObjectId: return entityError(kErrnoInvalidEntity, L"no such entity");
+        case Acad::eProxyRefused:
+            return entityError(kErrnoBadList,
+                               L"the entity's class is not loaded and does not allow the change");
         case Acad::eWasOpenForRead:
         case Acad::eWasOpenForWrite:
         case Acad::eWasOpenForNotify: return entityError(kErrnoOpenConflict, L"the entity is open already");
@@ -301,6 +304,11 @@ const std::wstring& textGroup(const Groups& groups, short code) {
 
 Acad::ErrorStatus readEntityData(AcDbObject& object, AcDbDatabase& database, Groups groups,
                                  std::wstring& problem) {
+    // Classes of modules need not look at their numbers, and files cannot hold such as are none.
+    if (const auto unusable = std::ranges::find_if_not(groups, hasFiniteValue); unusable != groups.end()) {
+        problem = L"group " + std::to_wstring(unusable->code) + L": not a finite number";
+        return Acad::eInvalidInput;
+    }
     ChangeLog log;
     auto& logs = database.impl().logs;
     logs.push_back(&log);

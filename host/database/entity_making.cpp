@@ -7,6 +7,7 @@
 #include "host/database/block_contents.h"
 #include "host/database/block_reference_state.h"
 #include "host/database/class_registry.h"
+#include "host/database/deep_clone.h"
 #include "host/database/entity_data.h"
 #include "host/database/entity_parts.h"
 #include "host/database/entity_recipes.h"
@@ -287,16 +288,6 @@ bool closesCircle(const MadeBlock& block, AcDbObjectId present) {
     });
 }
 
-// The entities of a definition that is replaced are erased; its references show the new ones.
-void eraseContents(AcDbBlockTableRecord& block) {
-    for (const AcDbObjectId id : block.entityIds()) {
-        noteChange(*id.stub());
-        id.stub()->erased = true;
-        if (const auto* const entity = peek<AcDbEntity>(id))
-            eraseSubEntities(*entity, true);
-    }
-}
-
 int finishBlock(Request& request) {
     Making& making = makingIn(&request.database);
     if (!making.block || making.sequence) {
@@ -314,7 +305,7 @@ int finishBlock(Request& request) {
     if (!block)
         return badList(L"the block cannot be defined");
     completeBlock(*block);
-    eraseContents(*block);
+    eraseContents(*block);  // references to it show the new entities
     noteChange(*id.stub());
     auto& state = static_cast<BlockState&>(*ObjectImp::of(block).state);
     state.origin = made->origin;

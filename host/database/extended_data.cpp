@@ -46,7 +46,7 @@ bool followBrace(const DxfGroup& group, int& depth) {
 }
 
 Acad::ErrorStatus checkGroup(const DxfGroup& group, const AcDbDatabase* database, int& depth) {
-    if (!isKnownCode(group.code))
+    if (!isKnownCode(group.code) || !hasFiniteValue(group))
         return Acad::eInvalidXdata;
     const std::wstring* const text = textOf(group);
     if (text && text->size() > kMaxText)

@@ -55,9 +55,9 @@ struct Read {
 // What a module's class cannot read is no reason to refuse the drawing, which can be read without the module.
 template <class Object>
 void keepAsProxy(Read<Object>& read, AcDbDatabase& database, GroupFiler& filer) {
-    std::unique_ptr<AcDbObject> proxy =
-        proxyOfGroups(database, read.object->isA()->dxfName(), AcDbEntity::cast(read.object.get()) != nullptr,
-                      std::move(filer.groups()));
+    const bool entity = AcDbEntity::cast(read.object.get()) != nullptr;
+    const std::wstring name = textIn(filer.groups(), 0);
+    std::unique_ptr<AcDbObject> proxy = proxyOfGroups(database, name, entity, std::move(filer.groups()));
     Object* const kept = Object::cast(proxy.get());
     if (!kept)
         return;

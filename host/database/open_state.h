@@ -2,6 +2,8 @@
 
 // By whom an object is open: the rules of opening and closing.
 
+#include <utility>
+
 #include "host/database/database_impl.h"
 
 namespace drafthost {
@@ -21,6 +23,21 @@ void openNew(AcDbStub& stub);
 
 // Ends everything, without further ado: the database or the object goes away.
 void closeAll(AcDbStub& stub);
+
+// While it lives, objects of the database may be changed whatever their open state, and no log is told: as
+// while a file is read.
+class WhateverOpen {
+public:
+    explicit WhateverOpen(AcDbDatabase& database)
+        : loading_(database.impl().loading), before_(std::exchange(loading_, true)) {}
+    ~WhateverOpen() { loading_ = before_; }
+    WhateverOpen(const WhateverOpen&) = delete;
+    WhateverOpen& operator=(const WhateverOpen&) = delete;
+
+private:
+    bool& loading_;
+    const bool before_;
+};
 
 inline bool isOpen(const AcDbStub& stub) {
     return stub.readers > 0 || stub.writer || stub.notify;

@@ -5,6 +5,7 @@
 #include "host/database/class_records.h"
 #include "host/database/class_registry.h"
 #include "host/database/database_impl.h"
+#include "host/database/names.h"
 #include "host/database/open_state.h"
 #include "host/database/saved_fields.h"
 #include "host/database/unknown_objects.h"
@@ -171,24 +172,11 @@ void dropRemoved(AcDbDatabase::Impl& impl, const AcRxClass* cls) {
     });
 }
 
-class WhateverOpen {
-public:
-    explicit WhateverOpen(const AcDbStub& stub)
-        : loading_(stub.database->impl().loading), before_(std::exchange(loading_, true)) {}
-    ~WhateverOpen() { loading_ = before_; }
-    WhateverOpen(const WhateverOpen&) = delete;
-    WhateverOpen& operator=(const WhateverOpen&) = delete;
-
-private:
-    bool& loading_;
-    const bool before_;
-};
-
 // Reads the proxy's contents into an object that is there already.
 bool readInPlace(AcDbStub& stub, const AcDbObject& proxy, const AcRxClass* cls) {
     if (!cls || stub.object->isA() != cls || !keptContents(proxy)->hasRecord)
         return false;
-    const WhateverOpen writable(stub);
+    const WhateverOpen writable(*stub.database);
     copyBase(stateOf(proxy), stateOf(*stub.object), isEntity(proxy));
     MemoryFiler filer(stub.database, AcDb::kUndoFiler, wholeRecord(proxy));
     const bool good = stub.object->dwgIn(&filer) == Acad::eOk;
@@ -219,7 +207,11 @@ AcRxClass* classOfProxy(const AcDbObject& object) {
         cls = acrxFindClass(contents->className.c_str());
     else if (!contents->dxfName.empty())
         cls = findClassByDxfName(contents->dxfName);
-    return cls && cls->appName() ? cls : nullptr;
+    if (!cls || !cls->appName())
+        return nullptr;
+    // A file may say both, and anything.
+    const ACHAR* const name = cls->dxfName();
+    return equalNames(contents->dxfName, name ? name : L"") ? cls : nullptr;
 }
 
 std::optional<DwgRecord> recordOf(const AcDbObject& object, AcDb::FilerType type) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/database/database_impl.h"
+#include "host/database/open_state.h"
 #include "host/database/proxies.h"
 
 namespace drafthost {
@@ -16,13 +17,10 @@ std::unordered_set<SavedFields*>& allSaved() {
     return *saved;
 }
 
-// An object that is not open is changed as objects are while a file is read.
 Acad::ErrorStatus readInto(AcDbObject& object, AcDbDatabase& database, DwgRecord record) {
     MemoryFiler filer(&database, AcDb::kUndoFiler, std::move(record));
-    const bool wasLoading = std::exchange(database.impl().loading, true);
-    const Acad::ErrorStatus status = object.dwgIn(&filer);
-    database.impl().loading = wasLoading;
-    return status;
+    const WhateverOpen writable(database);
+    return object.dwgIn(&filer);
 }
 
 }  // namespace

@@ -119,7 +119,8 @@ Acad::ErrorStatus insertRecord(AcDbSymbolTable& table, TableIndex index, AcDbSym
         return status;
     if (const auto status = impl.add(record, table.objectId(), handle, id); status != Acad::eOk)
         return status;
-    // A record at the end of the list is not saved for the logs (see change_log.h), but whose the name was is.
+    // A record at the end of the list is not saved for the logs (see change_log.h), but whose the name was
+    // is.
     const auto named = state.byName.find(foldCase(name));
     if (named != state.byName.end() && !isLive(named->second))
         noteChange(*ObjectImp::of(&table).stub);

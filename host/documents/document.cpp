@@ -12,7 +12,8 @@
 namespace drafthost {
 
 Document::Document(Host& host, std::unique_ptr<AcDbDatabase> database, std::wstring name)
-    : host_(host), database_(std::move(database)), undo_(*database_), name_(std::move(name)), prompts_(*this) {
+    : host_(host), database_(std::move(database)), undo_(*database_), name_(std::move(name)),
+      prompts_(*this) {
     interpreter_ = std::make_unique<lisp::Interpreter>(host.commandLine(), host.files());
     interpreter_->attach(this);
     interpreter_->setVariableReader([this](std::wstring_view variable) -> std::optional<int> {

@@ -2,9 +2,12 @@
 
 #include <windows.h>
 
+#include <psapi.h>
+
 #include <algorithm>
 #include <cwchar>
 
+#include "host/database/class_registry.h"
 #include "host/database/names.h"
 #include "host/documents/host.h"
 #include "host/lisp/utf8.h"
@@ -35,6 +38,16 @@ std::wstring hexadecimal(std::uint32_t number) {
 template <class Function>
 Function* exported(void* library, const char* name) {
     return reinterpret_cast<Function*>(GetProcAddress(static_cast<HMODULE>(library), name));
+}
+
+// What a module that goes has left behind in the host would be called without its code.
+void release(HMODULE library) {
+    MODULEINFO info{};
+    if (GetModuleInformation(GetCurrentProcess(), library, &info, sizeof info)) {
+        const auto* const begin = static_cast<const char*>(info.lpBaseOfDll);
+        deleteClassesMadeIn(begin, begin + info.SizeOfImage);
+    }
+    FreeLibrary(library);
 }
 
 std::wstring fileNameOf(const std::wstring& path) {
@@ -105,7 +118,7 @@ bool Modules::load(const std::wstring& file, std::wstring& message) {
     modules_.push_back(std::move(owned));
     if (send(*module, AcRx::kInitAppMsg, module) == AcRx::kRetError) {
         message = *path + L" refused to be loaded.";
-        FreeLibrary(static_cast<HMODULE>(module->library));
+        release(static_cast<HMODULE>(module->library));
         std::erase_if(modules_, [&](const auto& entry) { return entry.get() == module; });
         return false;
     }
@@ -140,7 +153,7 @@ bool Modules::unload(const std::wstring& file, bool evenLocked, std::wstring& me
     }
     host_.documents().setCurrent(current);
     send(*module, AcRx::kUnloadAppMsg, module);
-    FreeLibrary(static_cast<HMODULE>(module->library));
+    release(static_cast<HMODULE>(module->library));
     std::erase_if(modules_, [&](const auto& entry) { return entry.get() == module; });
     return true;
 }

@@ -141,6 +141,10 @@ private:
     // Texts know their measures better than a drawing call does.
     bool addBox(const AcDbEntity& entity) {
         const bool isText = entity.isKindOf(AcDbText::desc()) || entity.isKindOf(AcDbMText::desc());
+        constexpr int kInvisible = 1;
+        const auto* const attribute = AcDbAttribute::cast(&entity);
+        if (attribute && (attribute->flags() & kInvisible) != 0)
+            return false;
         AcDbExtents box;
         if (!isText || entity.getGeomExtents(box) != Acad::eOk || !box.isValid())
             return false;

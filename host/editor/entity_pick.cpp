@@ -60,9 +60,8 @@ double pickTolerance(const AcDbDatabase& database) {
     AcDbExtents extents;
     for (const AcDbObjectId id : entitiesOf(database.modelSpaceId())) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        AcDbExtents box;
-        if (entity && entity->getGeomExtents(box) == Acad::eOk && box.isValid())
-            extents.addExt(box);
+        if (entity)
+            entity->getGeomExtents(extents);  // those without extents add nothing
     }
     if (!extents.isValid())
         return kPickBoxFraction;

@@ -77,7 +77,8 @@ double aperture(const Document& document) {
 
 bool isNear(const AcDbEntity& entity, const AcGePoint3d& point, double reach) {
     AcDbExtents box;
-    if (entity.getGeomExtents(box) != Acad::eOk || !box.isValid())
+    entity.getGeomExtents(box);  // what it could measure counts, also when it failed at some part
+    if (!box.isValid())
         return false;
     const AcGePoint3d& low = box.minPoint();
     const AcGePoint3d& high = box.maxPoint();

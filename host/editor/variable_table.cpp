@@ -95,9 +95,8 @@ AcDbExtents drawingExtents(const Document& document) {
         return extents;
     for (const AcDbObjectId id : space->entityIds()) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        AcDbExtents box;
-        if (entity && entity->getGeomExtents(box) == Acad::eOk && box.isValid())
-            extents.addExt(box);
+        if (entity)
+            entity->getGeomExtents(extents);  // those without extents add nothing
     }
     return extents;
 }

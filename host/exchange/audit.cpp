@@ -1,11 +1,11 @@
 #include "host/exchange/audit.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "host/database/class_registry.h"
 #include "host/database/database_impl.h"
 #include "host/database/handles.h"
+#include "host/database/open_state.h"
 #include "host/database/table_states.h"
 #include "host/database/unknown_objects.h"
 
@@ -82,7 +82,7 @@ public:
 private:
     // The object may mend itself without being open, as while a file is read.
     void auditObject(AcDbStub& stub) {
-        const bool wasLoading = std::exchange(impl_.loading, true);
+        const WhateverOpen writable(*impl_.database);
         ModuleAudit audit(report_);
         const Acad::ErrorStatus status = stub.object->audit(&audit);
         audit.finish();
@@ -90,7 +90,6 @@ private:
             report_.add(AuditCode::ModuleFinding,
                         nameOf(*stub.object) + L" cannot be audited: " + acadErrorStatusText(status), 0,
                         false);
-        impl_.loading = wasLoading;
     }
 
     void check(AcDbStub& stub) {

@@ -74,7 +74,7 @@ protected:
                                         AcDbIntArray& geometryIds) const override;
     using AcDbCurve::subGetOsnapPoints;
     // Moves the points only: the symbol's size is the offset's, whatever the matrix scales, and the symbol
-    // stays parallel to the XY plane.
+    // stays parallel to the XY plane. eInvalidInput when a point would leave the range of numbers.
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
     // Two lines, then what the block is made of.
     Acad::ErrorStatus subExplode(AcDbEntityArray& parts) const override;

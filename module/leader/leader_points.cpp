@@ -19,11 +19,8 @@ Acad::ErrorStatus QNLeader::subTransformBy(const AcGeMatrix3d& matrix) {
     if (!assertWriteEnabled()) {
         return Acad::eNotOpenForWrite;
     }
-    for (AcGePoint3d* const point : {&start_, &middle_, &end_}) {
-        point->transformBy(matrix);
-    }
-    updateBlockPlacement();
-    return Acad::eOk;
+    AcGePoint3d start = start_, middle = middle_, end = end_;
+    return setPoints(start.transformBy(matrix), middle.transformBy(matrix), end.transformBy(matrix));
 }
 
 // The kinds of grips stay unsaid: all three are points to stretch by.
@@ -55,14 +52,13 @@ Acad::ErrorStatus QNLeader::subMoveStretchPointsAt(const AcDbIntArray& indices, 
             isMarked[index] = true;
         }
     }
-    AcGePoint3d* const points[] = {&start_, &middle_, &end_};
+    AcGePoint3d points[] = {start_, middle_, end_};
     for (int i = 0; i < 3; ++i) {
         if (isMarked[i]) {
-            *points[i] += offset;
+            points[i] += offset;
         }
     }
-    updateBlockPlacement();
-    return Acad::eOk;
+    return setPoints(points[0], points[1], points[2]);
 }
 
 }  // namespace tessary

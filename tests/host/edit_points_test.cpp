@@ -483,8 +483,10 @@ AcGeVector3d offsetFor(const AcDbEntity& entity, int grip, Random& random) {
     if (const auto* arc = AcDbArc::cast(&entity)) {
         normal = arc->normal();
         const AcGePoint3dArray grips = gripsOf(entity);
-        if (grip == 2)  // outwards, the middle stays the middle
-            return (grips[2] - (grips[0] + (grips[1] - grips[0]) * 0.5)) * random.real(0.1, 2);
+        if (grip == 2) {  // outwards or across the chord, where the middle stays the middle
+            const double factor = random.oneIn(2) ? random.real(0.1, 2) : random.real(-4, -1.5);
+            return (grips[2] - (grips[0] + (grips[1] - grips[0]) * 0.5)) * factor;
+        }
     } else if (const auto* polyline = AcDbPolyline::cast(&entity)) {
         normal = polyline->normal();
     } else if (!entity.isKindOf(AcDbText::desc())) {

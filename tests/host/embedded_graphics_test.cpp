@@ -183,6 +183,26 @@ TEST_F(EmbeddedGraphics, NullBlocksAndZeroScalesDrawNothing) {
     EXPECT_EQ(extents.maxPoint().x, 10) << "the place of the symbol";
 }
 
+TEST_F(EmbeddedGraphics, ExplodedSymbolKeepsItsLook) {
+    AcDbBlockReference symbol(AcGePoint3d(10, 0, 0), symbol_);
+    symbol.setColorIndex(5);
+    const auto layersAndColors = [&] {
+        AcDbEntityArray parts;
+        EXPECT_EQ(symbol.explode(parts), Acad::eOk);
+        std::vector<std::pair<AcDbObjectId, int>> looks;
+        for (AcDbEntity* const part : parts) {
+            const std::unique_ptr<AcDbEntity> owned(part);
+            looks.emplace_back(part->layerId(), part->colorIndex());
+        }
+        return looks;
+    };
+    using Looks = std::vector<std::pair<AcDbObjectId, int>>;
+    const AcDbObjectId zero = db().layerZero();
+    EXPECT_EQ(layersAndColors(), (Looks{{zero, 256}, {zero, 5}, {yellow_, 256}}));
+    symbol.setLayer(green_, true, false);
+    EXPECT_EQ(layersAndColors(), (Looks{{green_, 256}, {green_, 5}, {yellow_, 256}}));
+}
+
 // --- the class goes ---
 
 TEST_F(EmbeddedGraphics, ProxyLooksAsItsObjectDid) {

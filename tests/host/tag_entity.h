@@ -10,6 +10,8 @@
 #include "host/api/entity.h"
 #include "host/api/filer.h"
 #include "host/database/class_registry.h"
+#include "host/database/database_impl.h"
+#include "host/database/unknown_objects.h"
 #include "tests/host/database_drawing.h"
 
 namespace drafthost {
@@ -146,6 +148,12 @@ protected:
         return append(tag);
     }
     AcDbObjectId symbol() const { return symbol_; }
+
+    // Null when the object is there, or nothing is.
+    static const AcDbUnknownEntity* proxyAt(AcDbObjectId id) { return peek<AcDbUnknownEntity>(id); }
+    static void erase(AcDbObjectId id) {
+        ASSERT_EQ(AcDbObjectPointer<AcDbObject>(id, AcDb::kForWrite)->erase(), Acad::eOk);
+    }
 
     static std::wstring textOf(AcDbObjectId id) {
         const AcDbObjectPointer<Tag> tag(id, AcDb::kForRead);

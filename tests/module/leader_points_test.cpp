@@ -199,7 +199,12 @@ TEST_F(LeaderPoints, anyFailingPartFailsTheExtents) {
     const QNLeader without({0, 0, 0}, {1, 0, 0}, {2, 0, 0}, 1, AcDbObjectId::kNull, layer);
     AcDbExtents ofNothing, extents;
     const Acad::ErrorStatus status = AcDbBlockReference().getGeomExtents(ofNothing);
+    EXPECT_NE(Acad::eOk, status);
     EXPECT_EQ(status, without.getGeomExtents(extents));
+    // The segments have been measured by then.
+    ASSERT_TRUE(extents.isValid());
+    expectNear({0, 0, 0}, extents.minPoint());
+    expectNear({1, 0, 0}, extents.maxPoint());
 }
 
 TEST_F(LeaderPoints, explodesIntoLinesAndTheBlocksContents) {

@@ -9,6 +9,9 @@ for version in 1 2; do
         "$TESSARY_ROOT/tests/fixtures/tag_module.cpp" "$TESSARY_BIN/../lib/libdrafthost.dll.a" -o "tags$version.arx" || exit 1
 done
 
+x86_64-w64-mingw32-g++-posix -std=c++20 -O1 -I"$TESSARY_ROOT" -DUNICODE -D_UNICODE -DTAG_VERSION=2 -DTAG_FORGETFUL -shared \
+    "$TESSARY_ROOT/tests/fixtures/tag_module.cpp" "$TESSARY_BIN/../lib/libdrafthost.dll.a" -o forgetful.arx || exit 1
+
 # repl FILE OPTION...: types the file at the prompt.
 repl() {
     local input=$1
@@ -36,6 +39,17 @@ LISP
 repl life.txt --module tags2.arx
 check 'the life of an entity' 0 $? out '(MADE ("first" 7 0.0))' out '(MOVED ("first" 7 10.0))' \
     out '(AWAY "SAMPLETAG" "changed")' out '(OLDER nil)' out '(BACK ("first" 7 10.0) T T 1)'
+
+# A module that goes without taking its class back.
+cat >forgetful.txt <<'LISP'
+(setq e (tag_make "first" 7))
+(arxunload "forgetful.arx")
+(list 'away (cdr (assoc 1 (entget e))))
+(arxload "tags2.arx")
+(list 'back (tag_get e))
+LISP
+repl forgetful.txt --module forgetful.arx
+check 'a forgetful module' 0 $? out '(AWAY "first")' out '(BACK ("first" 7 0.0))'
 
 # The class allows a proxy to be erased and nothing else.
 cat >away.txt <<'LISP'
