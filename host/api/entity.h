@@ -40,7 +40,8 @@ public:
     // Name as text; caller releases with acutDelString. Empty outside a database when no layer was set.
     ACHAR* layer() const;
     // eKeyNotFound for a missing layer. Outside a database names are looked up in the working database.
-    // doSubents: also for owned sub-entities (attributes). Frozen (hidden) layers need allowHiddenLayer.
+    // doSubents: also for owned sub-entities (attributes). allowHiddenLayer: layers that programs keep from
+    // drafters' sight, whose names begin with an asterisk, count too; frozen ones always do.
     virtual Acad::ErrorStatus setLayer(const ACHAR* name, bool doSubents = true,
                                        bool allowHiddenLayer = false);
     virtual Acad::ErrorStatus setLayer(AcDbObjectId layerId, bool doSubents = true,

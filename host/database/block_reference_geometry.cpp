@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 
 #include "host/api/block_reference.h"
 #include "host/api/database.h"
@@ -11,6 +10,7 @@
 #include "host/database/block_reference_state.h"
 #include "host/database/database_impl.h"
 #include "host/database/nesting.h"
+#include "host/database/parts_visit.h"
 #include "host/database/table_states.h"
 
 using namespace drafthost;
@@ -106,12 +106,9 @@ bool appendTransformed(AcDbEntityArray& copies, const AcDbEntity& entity, const 
         copies.append(copy.release());
         return true;
     }
-    const auto* const nested = AcDbBlockReference::cast(&entity);
-    std::optional<BlockVisit> visit;
-    if (nested)
-        visit.emplace(stateOf(nested).block);
+    const PartsVisit visit(entity);
     AcDbEntityArray parts;
-    if (visit && !visit->entered())
+    if (!visit.entered())
         return false;
     bool complete = entity.explode(parts) == Acad::eOk;
     for (AcDbEntity* const part : parts) {
@@ -121,21 +118,17 @@ bool appendTransformed(AcDbEntityArray& copies, const AcDbEntity& entity, const 
     return complete;
 }
 
-bool isOfModule(const AcDbEntity& entity) {
-    return entity.isA()->appName() != nullptr;
-}
-
-// Copies of what shows of a part in its block. An entity of a module may keep the size of its symbols when it is
-// transformed itself; in a block it is drawn turned and scaled like everything else, and so are its parts. False
-// also when these are of modules again: a symbol may show the block that it is a part of, which has no end.
+// Copies of what shows of a part in its block. An entity of a module may keep the size of its symbols when it
+// is transformed itself; in a block it is drawn turned and scaled like everything else, and so are its parts.
 bool appendShown(AcDbEntityArray& copies, const AcDbEntity& entity, const AcGeMatrix3d& matrix) {
-    if (!isOfModule(entity))
+    if (!entity.isA()->appName())
         return appendTransformed(copies, entity, matrix);
+    const PartsVisit visit(entity);
     AcDbEntityArray parts;
-    bool complete = entity.explode(parts) == Acad::eOk;
+    bool complete = visit.entered() && entity.explode(parts) == Acad::eOk;
     for (AcDbEntity* const part : parts) {
         const std::unique_ptr<AcDbEntity> owned(part);
-        complete = complete && !isOfModule(*part) && appendTransformed(copies, *part, matrix);
+        complete = complete && appendShown(copies, *part, matrix);
     }
     return complete;
 }

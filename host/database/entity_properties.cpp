@@ -64,7 +64,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(const ACHAR* name, bool doSubents, bool a
 Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layerId, bool doSubents, bool allowHiddenLayer) {
     if (const auto status = checkRecord<AcDbLayerTableRecord>(*this, layerId); status != Acad::eOk)
         return status;
-    if (!allowHiddenLayer && peek<AcDbLayerTableRecord>(layerId)->isFrozen())
+    if (!allowHiddenLayer && recordName(layerId).starts_with(L"*"))
         return Acad::eInvalidInput;
     return setProperty(*this, kProxyLayerChangeAllowed, doSubents,
                        [layerId](EntityState& state) { state.layer = layerId; });

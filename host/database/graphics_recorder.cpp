@@ -5,11 +5,12 @@
 #include <cwchar>
 #include <numbers>
 
+#include "host/database/nesting.h"
+
 namespace drafthost {
 
 namespace {
 
-constexpr int kDeepestNesting = 64;
 constexpr int kMostChords = 256;  // for a circle that a block reference squashes
 
 bool isFrozen(AcDbObjectId layer) {

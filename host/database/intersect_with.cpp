@@ -2,6 +2,7 @@
 
 #include "host/database/intersect_with.h"
 
+#include <algorithm>
 #include <memory>
 #include <span>
 
@@ -9,6 +10,7 @@
 #include "host/api/curves.h"
 #include "host/api/text_entities.h"
 #include "host/database/curve_states.h"
+#include "host/database/parts_visit.h"
 #include "host/database/piece_queries.h"
 #include "host/geometry/intersect.h"
 
@@ -86,25 +88,25 @@ bool appendText(const AcDbMText* text, std::vector<CurvePiece>& pieces) {
 }
 
 bool appendParts(const AcDbEntity* entity, std::vector<CurvePiece>& pieces, OpenBlocks& open) {
+    const std::vector<AcDbObjectId> blocks = blocksShownBy(*entity);
+    const bool isOpen = std::ranges::find_first_of(blocks, open) != blocks.end();
+    if (isOpen || open.size() >= kDeepestNesting)
+        return false;
+    open.insert(open.end(), blocks.begin(), blocks.end());
     AcDbEntityArray parts;
-    const Acad::ErrorStatus status = entity->explode(parts);
-    bool found = status == Acad::eOk;
+    const bool found = entity->explode(parts) == Acad::eOk;
     for (AcDbEntity* part : parts) {
         const std::unique_ptr<AcDbEntity> owned(part);
         if (found)
             appendPieces(part, pieces, open);
     }
+    open.resize(open.size() - blocks.size());
     return found;
 }
 
 bool appendBlock(const AcDbBlockReference* reference, std::vector<CurvePiece>& pieces, OpenBlocks& open) {
-    const AcDbObjectId block = reference->blockTableRecord();
-    if (std::find(open.begin(), open.end(), block) != open.end())
-        return false;
-    open.push_back(block);
     const std::size_t before = pieces.size();
     const bool found = appendParts(reference, pieces, open);
-    open.pop_back();
     // A block is not lengthened, whatever it is made of.
     for (std::size_t i = before; i < pieces.size(); ++i)
         pieces[i].extendsBackward = pieces[i].extendsForward = false;

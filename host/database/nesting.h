@@ -1,7 +1,7 @@
 #pragma once
 
-// Which blocks are being gone through at the moment, so that a damaged drawing whose blocks contain each
-// other is drawn and measured without end neither in depth nor in time.
+// Which blocks are being gone through at the moment, so that no drawing whose blocks contain each other, or
+// lie very deep in each other, makes the host run out of stack or go on without end.
 
 #include <algorithm>
 #include <vector>
@@ -10,10 +10,13 @@
 
 namespace drafthost {
 
+// Blocks in blocks, and entities that draw entities: what lies deeper is not drawn, measured or snapped to.
+constexpr int kDeepestNesting = 64;
+
 class BlockVisit {
 public:
     explicit BlockVisit(AcDbObjectId block) {
-        entered_ = std::ranges::find(chain(), block) == chain().end();
+        entered_ = chain().size() < kDeepestNesting && std::ranges::find(chain(), block) == chain().end();
         if (entered_)
             chain().push_back(block);
     }
@@ -23,7 +26,7 @@ public:
     }
     BlockVisit(const BlockVisit&) = delete;
     BlockVisit& operator=(const BlockVisit&) = delete;
-    // False: the block is being visited already, further up.
+    // False: the block is being visited already, further up, or lies too deep.
     bool entered() const { return entered_; }
 
 private:

@@ -112,28 +112,43 @@ void stretchEntities(CommandContext& context) {
     });
 }
 
-// The parts of the entity, which keep their looks, come where it was. False: it has none, or would lose some,
-// and stays.
-bool explodeEntity(CommandContext& context, AcDbObjectId id) {
+// The parts of the entity, which keep their looks, come where it was. eNotApplicable: it has none, or would
+// lose some, and stays.
+Acad::ErrorStatus explodeEntity(CommandContext& context, AcDbObjectId id) {
     AcDbEntityArray parts;
     AcDbObjectId owner;
     {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
-        const auto* const reference = entity ? AcDbBlockReference::cast(entity.object()) : nullptr;
-        if (!entity || (reference && losesParts(*reference)) || entity->explode(parts) != Acad::eOk)
-            return false;
+        if (!entity)
+            return entity.openStatus();
+        const auto* const reference = AcDbBlockReference::cast(entity.object());
+        if ((reference && losesParts(*reference)) || entity->explode(parts) != Acad::eOk) {
+            for (AcDbEntity* const part : parts)
+                delete part;
+            return Acad::eNotApplicable;
+        }
         owner = entity->ownerId();
+        // Parts that a module's entity made anew have no looks of their own; they were drawn with the
+        // entity's.
+        for (AcDbEntity* const part : parts) {
+            if (part->layerId().isNull())
+                part->setPropertiesFrom(entity.object());
+        }
     }
     for (AcDbEntity* part : parts)
         context.append(std::unique_ptr<AcDbEntity>(part), owner);
     context.erase({id});
-    return true;
+    return Acad::eOk;
 }
 
 void explodeEntities(CommandContext& context) {
-    int kept = 0;
-    for (const AcDbObjectId id : context.selection())
-        kept += explodeEntity(context, id) ? 0 : 1;
+    int locked = 0, kept = 0;
+    for (const AcDbObjectId id : context.selection()) {
+        const Acad::ErrorStatus status = explodeEntity(context, id);
+        locked += status == Acad::eOnLockedLayer ? 1 : 0;
+        kept += status != Acad::eOk && status != Acad::eOnLockedLayer ? 1 : 0;
+    }
+    context.reportUnchanged(locked, 0);
     if (kept > 0)
         context.print(std::to_wstring(kept) + L" could not be exploded.");
 }

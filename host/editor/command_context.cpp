@@ -123,16 +123,29 @@ void CommandContext::reportUnchanged(int locked, int failed) {
         print(std::to_wstring(failed) + L" could not be changed.");
 }
 
+namespace {
+
+Acad::ErrorStatus changeOne(AcDbObjectId id, const std::function<Acad::ErrorStatus(AcDbEntity&)>& each) {
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+    return entity ? each(*entity) : entity.openStatus();
+}
+
+}  // namespace
+
 void CommandContext::change(const std::vector<AcDbObjectId>& entities,
                             const std::function<Acad::ErrorStatus(AcDbEntity&)>& each) {
+    AcDbTransactionManager& transactions = *database().transactionManager();
     int locked = 0, failed = 0;
     for (const AcDbObjectId id : entities) {
-        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
-        if (!entity) {
-            ++(entity.openStatus() == Acad::eOnLockedLayer ? locked : failed);
-        } else if (each(*entity) != Acad::eOk) {
-            ++failed;
+        // What fails must leave nothing behind: neither half a change nor a step for U to take back.
+        transactions.startTransaction();
+        const Acad::ErrorStatus status = changeOne(id, each);
+        if (status == Acad::eOk) {
+            transactions.endTransaction();
+            continue;
         }
+        transactions.abortTransaction();
+        ++(status == Acad::eOnLockedLayer ? locked : failed);
     }
     reportUnchanged(locked, failed);
 }

@@ -61,13 +61,14 @@ public:
     void transform(const std::vector<AcDbObjectId>& entities, const AcGeMatrix3d& matrix);
     void copy(const std::vector<AcDbObjectId>& entities, const AcGeMatrix3d& matrix);
     void erase(const std::vector<AcDbObjectId>& entities);
+    // Says how many entities stayed as they were; nothing for zeros.
+    void reportUnchanged(int locked, int failed);
 
     Document& document() { return document_; }
     AcDbDatabase& database() { return *document_.database(); }
     const std::wstring& name() const { return name_; }
 
 private:
-    void reportUnchanged(int locked, int failed);
 
     Document& document_;
     std::wstring name_;

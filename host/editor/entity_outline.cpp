@@ -8,6 +8,7 @@
 
 #include "host/api/block_reference.h"
 #include "host/api/database.h"
+#include "host/database/nesting.h"
 #include "host/graphics/layer_looks.h"
 
 namespace drafthost::editor {
@@ -15,7 +16,6 @@ namespace drafthost::editor {
 namespace {
 
 constexpr double kChordAngle = std::numbers::pi / 48;
-constexpr int kDeepestNesting = 64;  // of blocks: a drawing cannot make the host run out of stack
 
 // Takes drawing calls; colours and linetypes do not matter, but what a layer hides cannot be picked at.
 class Collector final : public AcGiWorldDraw, public AcGiWorldGeometry, public AcGiSubEntityTraits {

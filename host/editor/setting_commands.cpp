@@ -101,10 +101,14 @@ void variableOfThatName(CommandContext& context) {
     setNamedVariable(context, context.name());
 }
 
+bool hasExtension(const std::wstring& path, std::wstring_view extension) {
+    return path.size() > extension.size() &&
+           equalNames(path.substr(path.size() - extension.size()), extension);
+}
+
 // Drawings are written as DXF: no DWG file is replaced by one, and none is called so.
 bool wouldPassForDwg(const std::wstring& path) {
-    const std::size_t dot = path.find_last_of(L'.');
-    return (dot != std::wstring::npos && equalNames(path.substr(dot), L".dwg")) || exchange::isDwgFile(path);
+    return hasExtension(path, L".dwg") || exchange::isDwgFile(path);
 }
 
 bool saveTo(CommandContext& context, const std::wstring& path) {
@@ -126,7 +130,8 @@ void saveAsCommand(CommandContext& context) {
     std::wstring name = context.text(L"Save drawing as: ", true);
     if (name.empty())
         return;
-    if (name.find_last_of(L'.') == std::wstring::npos)
+    // A dot may stand in a folder's name, and files of other kinds are not to be replaced by a drawing.
+    if (!hasExtension(name, L".dxf") && !hasExtension(name, L".dwg"))
         name += L".dxf";
     const std::wstring path = fullPath(name);
     if (!saveTo(context, path))

@@ -5,13 +5,13 @@
 #include <cwchar>
 #include <numbers>
 
+#include "host/database/nesting.h"
 #include "host/text/outlines.h"
 
 namespace drafthost::graphics {
 
 namespace {
 
-constexpr int kDeepestNesting = 64;
 constexpr double kDefaultWeight = 25;  // hundredths of a millimetre
 constexpr double kDeviationOfExtents = 1.0 / 20000;
 

@@ -23,7 +23,7 @@ public:
 
     // All points at the origin, no symbol.
     QNLeader();
-    // World coordinates. offset: drawing units. blockId: may be null. layerId: a frozen one leaves the leader
+    // World coordinates. offset: drawing units. blockId: may be null. layerId: a hidden one leaves the leader
     // without a layer, so that it gets the current one when it is appended to a drawing.
     QNLeader(const AcGePoint3d& start, const AcGePoint3d& middle, const AcGePoint3d& end, double offset,
              AcDbObjectId blockId, AcDbObjectId layerId);

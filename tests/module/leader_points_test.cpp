@@ -92,19 +92,23 @@ TEST_F(LeaderPoints, offsetBeyondTheKneeDrawsBackPastIt) {
 
 TEST_F(LeaderPoints, layersGoToTheSymbolWhenAsked) {
     const AcDbObjectId other = addLayer(L"Other");
-    const AcDbObjectId frozen = addLayer(L"Frozen", true);
+    const AcDbObjectId hidden = addHiddenLayer(L"*Hidden");
     EXPECT_EQ(layer, sample.blockReference().layerId());
     EXPECT_EQ(Acad::eOk, sample.setLayer(other, false));
     EXPECT_EQ(other, sample.layerId());
     EXPECT_EQ(layer, sample.blockReference().layerId());
-    EXPECT_NE(Acad::eOk, sample.setLayer(frozen));
+    EXPECT_NE(Acad::eOk, sample.setLayer(hidden));
     EXPECT_EQ(other, sample.layerId());
     EXPECT_EQ(layer, sample.blockReference().layerId());
-    EXPECT_EQ(Acad::eOk, sample.setLayer(frozen, true, true));
-    EXPECT_EQ(frozen, sample.blockReference().layerId());
+    EXPECT_EQ(Acad::eOk, sample.setLayer(hidden, true, true));
+    EXPECT_EQ(hidden, sample.blockReference().layerId());
+    const QNLeader onHidden({}, {1, 0, 0}, {2, 0, 0}, 1, symbol, hidden);
+    EXPECT_TRUE(onHidden.layerId().isNull());
+    EXPECT_TRUE(onHidden.blockReference().layerId().isNull());
+    const AcDbObjectId frozen = addLayer(L"Frozen", true);
     const QNLeader onFrozen({}, {1, 0, 0}, {2, 0, 0}, 1, symbol, frozen);
-    EXPECT_TRUE(onFrozen.layerId().isNull());
-    EXPECT_TRUE(onFrozen.blockReference().layerId().isNull());
+    EXPECT_EQ(frozen, onFrozen.layerId());
+    EXPECT_EQ(frozen, onFrozen.blockReference().layerId());
 }
 
 // Rigid motions in the plane move the whole picture, and commute with filing.
@@ -193,6 +197,55 @@ TEST_F(LeaderPoints, extentsHoldEverythingDrawn) {
             }
         }
     }
+}
+
+// In a block the symbol is scaled with everything else, though the offset does not change when a leader is.
+TEST_F(LeaderPoints, extentsOfATurnedInsertionHoldTheSymbol) {
+    const AcDbObjectId block = addRecord<AcDbBlockTable>(L"Detail", new AcDbBlockTableRecord);
+    append(new QNLeader({0, 0, 0}, {4, 3, 0}, {10, 3, 0}, 2, symbol, layer), block);
+    AcDbBlockReference insertion({100, 0, 0}, block);
+    insertion.setRotation(std::numbers::pi / 4);
+    for (const AcGeVector3d& scale :
+         {AcGeVector3d(5, 5, 5), AcGeVector3d(0.2, 0.2, 0.2), AcGeVector3d(3, 1, 1)}) {
+        insertion.setScaleFactors(scale);
+        RecordingDraw draw;
+        draw.entersDrawables = true;
+        insertion.worldDraw(&draw);
+        ASSERT_GT(draw.points.size(), 10u);
+        AcDbExtents extents, drawn;
+        ASSERT_EQ(Acad::eOk, insertion.getGeomExtents(extents));
+        for (const AcGePoint3d& point : draw.points) {
+            drawn.addPoint(point);
+        }
+        for (int axis = 0; axis < 3; ++axis) {
+            EXPECT_LE(extents.minPoint()[axis], drawn.minPoint()[axis] + 1e-9);
+            EXPECT_GE(extents.maxPoint()[axis], drawn.maxPoint()[axis] - 1e-9);
+        }
+    }
+}
+
+// The block of a leader may be the one that it lies in.
+TEST_F(LeaderPoints, symbolThatShowsItsLeaderIsNotTakenApartForEver) {
+    const AcDbObjectId block = addRecord<AcDbBlockTable>(L"Loop", new AcDbBlockTableRecord);
+    const AcDbObjectId id = append(new QNLeader({0, 0, 0}, {4, 3, 0}, {10, 3, 0}, 2, block, layer), block);
+    append(new QNLeader({0, 1, 0}, {4, 4, 0}, {10, 4, 0}, 2, block, layer), block);
+    const AcDbLine across({2, -9, 0}, {2, 9, 0});
+    const AcDbObjectPointer<AcDbEntity> leader(id, AcDb::kForRead);
+    AcGePoint3dArray found, ofInsertion;
+    EXPECT_EQ(Acad::eOk, leader->intersectWith(&across, AcDb::kOnBothOperands, found));
+    expectNear(Points{{2, 1.5, 0}}, listOf(found));
+    AcDbBlockReference insertion({0, 0, 0}, block);
+    insertion.setRotation(0.3);
+    EXPECT_EQ(Acad::eOk, insertion.intersectWith(&across, AcDb::kOnBothOperands, ofInsertion));
+    EXPECT_GE(ofInsertion.length(), 2);
+    AcDbExtents extents;
+    EXPECT_EQ(Acad::eOk, insertion.getGeomExtents(extents));
+    insertion.setScaleFactors({1, 0, 1});
+    insertion.getGeomExtents(extents);
+    AcDbEntityArray parts;
+    EXPECT_EQ(Acad::eOk, leader->explode(parts));
+    EXPECT_EQ(4, parts.length());
+    std::ranges::for_each(parts, [](AcDbEntity* part) { delete part; });
 }
 
 TEST_F(LeaderPoints, anyFailingPartFailsTheExtents) {

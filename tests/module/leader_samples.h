@@ -2,6 +2,7 @@
 
 // Drawings with leaders for tests: the class is registered and a drawing without a document there.
 
+#include "host/database/database_impl.h"
 #include "module/drawing/model_space.h"
 #include "module/leader/leader_class.h"
 #include "module/leader/leader_entity.h"
@@ -38,6 +39,13 @@ protected:
         auto* const record = new AcDbLayerTableRecord;
         record->setIsFrozen(isFrozen);
         return addRecord<AcDbLayerTable>(name, record);
+    }
+    // Such layers come from files only.
+    AcDbObjectId addHiddenLayer(const ACHAR* name) {
+        database.impl().loading = true;
+        const AcDbObjectId id = addLayer(name);
+        database.impl().loading = false;
+        return id;
     }
     AcDbObjectId append(AcDbEntity* entity, AcDbObjectId block) {
         const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForWrite);
