@@ -46,7 +46,8 @@ protected:
     Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     using AcDbEntity::subMoveGripPointsAt;
     Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
-    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
     Acad::ErrorStatus subExplode(AcDbEntityArray& parts) const override;
     Acad::ErrorStatus subIntersectWith(const AcDbEntity* other, AcDb::Intersect type,
                                        AcGePoint3dArray& points, std::int64_t thisMarker,

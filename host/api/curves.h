@@ -86,7 +86,8 @@ protected:
     Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     using AcDbEntity::subMoveGripPointsAt;
     Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
-    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
     void subList() const override;
 };
 
@@ -135,7 +136,8 @@ protected:
     Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     using AcDbEntity::subMoveGripPointsAt;
     Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
-    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
     void subList() const override;
 };
 
@@ -193,7 +195,8 @@ protected:
     Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     using AcDbEntity::subMoveGripPointsAt;
     Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
-    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
     void subList() const override;
 };
 
@@ -251,7 +254,8 @@ protected:
     Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     using AcDbEntity::subMoveGripPointsAt;
     Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
-    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
     Acad::ErrorStatus subExplode(AcDbEntityArray& parts) const override;
     void subList() const override;
 };

@@ -51,7 +51,8 @@ protected:
     Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     using AcDbEntity::subMoveGripPointsAt;
     Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
-    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
     void subList() const override;
 };
 
@@ -157,7 +158,8 @@ protected:
     Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     using AcDbEntity::subMoveGripPointsAt;
     Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
-    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
     Acad::ErrorStatus subExplode(AcDbEntityArray& parts) const override;
     void subList() const override;
 };

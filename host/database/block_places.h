@@ -19,6 +19,10 @@ void forEachPlace(const BlockReferenceState& reference,
 // excepted. Empty for a block that is null or erased.
 std::vector<AcDbEntity*> shownBlockEntities(AcDbObjectId block);
 
+// What explosion would give, as it shows: entities of modules, whose symbols may keep their size when they
+// are transformed, come as their parts. Appends new entities, caller owns.
+Acad::ErrorStatus appendShownParts(const AcDbBlockReference& reference, AcDbEntityArray& parts);
+
 // True when exploding the reference would lose parts: round ones that an uneven scale would make ellipses,
 // and entities of unknown classes, which cannot be moved.
 bool losesParts(const AcDbBlockReference& reference);

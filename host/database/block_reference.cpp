@@ -121,6 +121,13 @@ constexpr DxfField kFields[] = {
 constexpr const wchar_t* kSubclass = L"AcDbBlockReference";
 constexpr const wchar_t* kArraySubclass = L"AcDbMInsertBlock";
 
+const wchar_t* subclassOf(const State& state) {
+    return isArray(state) ? kArraySubclass : kSubclass;
+}
+bool isOwn(const ExtraGroup& extra) {
+    return extra.subclass == kSubclass || extra.subclass == kArraySubclass;
+}
+
 }  // namespace
 
 AcDbBlockReference::AcDbBlockReference() : AcDbEntity(newImp<State>()) {}
@@ -252,9 +259,9 @@ Acad::ErrorStatus AcDbBlockReference::dxfOutFields(AcDbDxfFiler* filer) const {
     if (const auto status = AcDbEntity::dxfOutFields(filer); status != Acad::eOk)
         return status;
     const State& state = stateOf(this);
-    writeSubclassMarker(filer, isArray(state) ? kArraySubclass : kSubclass);
+    writeSubclassMarker(filer, subclassOf(state));
     writeFields(filer, state, kFields);
-    writeExtras(filer, kSubclass, state);
+    writeExtras(filer, subclassOf(state), state);
     return Acad::eOk;
 }
 
@@ -264,13 +271,15 @@ Acad::ErrorStatus AcDbBlockReference::dxfInFields(AcDbDxfFiler* filer) {
     State* const state = writeState<State>(this);
     auto* const groups = dynamic_cast<GroupFiler*>(filer);
     state->rotation = angleToFile(filer, state->rotation);
+    std::erase_if(state->extras, isOwn);
     auto status = readSubclass(filer, kSubclass, *state, kFields);
     if (status == Acad::eBadDxfSequence)
         status = readSubclass(filer, kArraySubclass, *state, kFields);
     state->rotation = angleFromFile(filer, state->rotation);
+    // Written behind the marker that the entity will have, which need not be the one it was read with.
     for (ExtraGroup& extra : state->extras) {
-        if (extra.subclass == kArraySubclass)
-            extra.subclass = kSubclass;
+        if (isOwn(extra))
+            extra.subclass = subclassOf(*state);
     }
     if (status == Acad::eOk && groups && isForLisp(*groups) && hasZeroScale(*state)) {
         groups->setProblem(L"groups 41 to 43: zero is no scale");

@@ -174,6 +174,25 @@ void inheritProperties(AcDbEntity& part, const AcDbBlockReference& reference) {
         state.layer = from.layer;
 }
 
+// Calls append with the block's entities that explosion gives and their transformation, for every place.
+template <class Append>
+Acad::ErrorStatus takeApart(State state, Append append) {
+    const std::vector<AcDbEntity*> entities = shownEntities(state.block);
+    // Parts without any extent would be degenerate, and none of them could be told apart.
+    if (!entities.empty() && (state.scaleX == 0 || state.scaleY == 0))
+        return Acad::eDegenerateGeometry;
+    // Writers of flat drawings say zero along Z, where nothing has any height.
+    if (state.scaleZ == 0)
+        state.scaleZ = std::abs(state.scaleX);
+    forEachCell(state, [&](const AcGeMatrix3d& matrix) {
+        for (const AcDbEntity* const entity : entities) {
+            if (!AcDbAttributeDefinition::cast(entity))
+                append(*entity, matrix);
+        }
+    });
+    return Acad::eOk;
+}
+
 // Opens an object for a change by its owner, whatever its open state.
 class OwnersWrite {
 public:
@@ -209,6 +228,12 @@ void forEachPlace(const BlockReferenceState& reference,
 
 std::vector<AcDbEntity*> shownBlockEntities(AcDbObjectId block) {
     return shownEntities(block);
+}
+
+Acad::ErrorStatus appendShownParts(const AcDbBlockReference& reference, AcDbEntityArray& parts) {
+    return takeApart(stateOf(&reference), [&](const AcDbEntity& entity, const AcGeMatrix3d& matrix) {
+        appendShown(parts, entity, matrix);
+    });
 }
 
 bool losesParts(const AcDbBlockReference& reference) {
@@ -332,39 +357,26 @@ Acad::ErrorStatus AcDbBlockReference::subTransformBy(const AcGeMatrix3d& matrix)
 // Attributes have no place outside their reference and are dropped; round parts that cannot take an uneven
 // scale too.
 Acad::ErrorStatus AcDbBlockReference::subExplode(AcDbEntityArray& parts) const {
-    State state = stateOf(this);
-    // Parts without any extent would be degenerate, and none of them could be told apart.
-    if (state.scaleX == 0 || state.scaleY == 0)
-        return Acad::eDegenerateGeometry;
-    // Writers of flat drawings say zero along Z, where nothing has any height.
-    if (state.scaleZ == 0)
-        state.scaleZ = std::abs(state.scaleX);
-    const std::vector<AcDbEntity*> entities = shownEntities(state.block);
-    forEachCell(state, [&](const AcGeMatrix3d& matrix) {
-        for (const AcDbEntity* const entity : entities) {
-            if (AcDbAttributeDefinition::cast(entity))
-                continue;
-            const int before = parts.length();
-            appendTransformed(parts, *entity, matrix);
-            for (int i = before; i < parts.length(); ++i)
-                inheritProperties(*parts[i], *this);
-        }
+    return takeApart(stateOf(this), [&](const AcDbEntity& entity, const AcGeMatrix3d& matrix) {
+        const int before = parts.length();
+        appendTransformed(parts, entity, matrix);
+        for (int i = before; i < parts.length(); ++i)
+            inheritProperties(*parts[i], *this);
     });
-    return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbBlockReference::subIntersectWith(const AcDbEntity* other, AcDb::Intersect type,
                                                        AcGePoint3dArray& points, std::int64_t thisMarker,
                                                        std::int64_t otherMarker) const {
-    const BlockVisit visit(stateOf(this).block);
     const AcDb::Intersect partType = withoutExtendingThis(type);
     AcDbEntityArray parts;
-    if (visit.entered())
-        subExplode(parts);
+    appendShownParts(*this, parts);
+    const BlockVisit visit(stateOf(this).block);
     for (AcDbEntity* const part : parts) {
         const std::unique_ptr<AcDbEntity> owned(part);
         AcGePoint3dArray found;
-        if (owned->intersectWith(other, partType, found, thisMarker, otherMarker) != Acad::eOk)
+        if (!visit.entered() ||
+            owned->intersectWith(other, partType, found, thisMarker, otherMarker) != Acad::eOk)
             continue;
         for (const AcGePoint3d& point : found) {
             const bool known =

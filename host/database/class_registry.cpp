@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "host/database/built_in_classes.h"
+#include "host/database/entity_data.h"
 #include "host/database/names.h"
 #include "host/database/proxies.h"
 
@@ -195,6 +196,7 @@ void deleteAcRxClass(AcRxClass* cls) {
         return;  // it went before
     // What derives from it cannot stay without it. Their objects go together with its own.
     drafthost::replaceObjectsByProxies(cls);
+    drafthost::forgetMakingOf(cls);
     std::erase_if(classes.byDxfName, [cls](const auto& known) { return known.second->isDerivedFrom(cls); });
     for (auto known = classes.byName.begin(); known != classes.byName.end();) {
         if (!known->second->isDerivedFrom(cls)) {

@@ -57,6 +57,9 @@ Acad::ErrorStatus readEntityData(AcDbObject& object, AcDbDatabase& database, std
 
 // The database goes away: what entmake has begun in it and where tblnext stands in it is dropped.
 void forgetMaking(const AcDbDatabase* database);
+// The class goes: a block that entmake has begun with entities of the class, or of one that derives from it,
+// is dropped. They are in no drawing yet and so cannot become proxies.
+void forgetMakingOf(const AcRxClass* cls);
 void forgetTableSteps(const AcDbDatabase* database);
 
 // The working database; null when there is none.

@@ -398,6 +398,15 @@ void forgetMaking(const AcDbDatabase* database) {
         makingIn(nullptr);
 }
 
+void forgetMakingOf(const AcRxClass* cls) {
+    const auto isOfClass = [cls](const MadeEntity& made) { return made.main->isKindOf(cls); };
+    Making& making = currentMaking();
+    const bool inBlock = making.block && std::ranges::any_of(making.block->entities, isOfClass);
+    const bool inSequence = making.sequence && isOfClass(*making.sequence);
+    if (inBlock || inSequence)
+        making.drop();
+}
+
 }  // namespace drafthost
 
 int acdbEntMake(const resbuf* data) {

@@ -103,7 +103,8 @@ std::int32_t GraphicsRecorder::lookNumber() {
 
 template <class Shape>
 void GraphicsRecorder::add(Shape shape) {
-    pieces_.push_back({lookNumber(), std::move(shape)});
+    if (!full())
+        pieces_.push_back({lookNumber(), std::move(shape)});
 }
 
 bool GraphicsRecorder::polyline(std::uint32_t count, const AcGePoint3d* points, const AcGeVector3d*,
@@ -198,7 +199,7 @@ void GraphicsRecorder::drawEntity(AcDbEntity& entity) {
 }
 
 bool GraphicsRecorder::draw(AcGiDrawable* drawable) {
-    if (!drawable || depth_ >= kDeepestNesting)
+    if (!drawable || depth_ >= kDeepestNesting || full())
         return true;
     const Traits traits = traits_, block = block_;
     const std::size_t transformCount = transforms_.size();

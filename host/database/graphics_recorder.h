@@ -50,6 +50,10 @@ public:
     void setFill(bool filled) override { traits_.fill = filled; }
 
 private:
+    // Blocks in blocks multiply: a picture of 2 to the power of 64 pieces ends before.
+    static constexpr std::size_t kMostPieces = 100000;
+    bool full() const { return pieces_.size() >= kMostPieces; }
+
     struct Traits {
         AcDbObjectId layer, linetype;
         double linetypeScale = 1.0;

@@ -9,6 +9,7 @@
 #include "host/api/block_reference.h"
 #include "host/api/curves.h"
 #include "host/api/text_entities.h"
+#include "host/database/block_places.h"
 #include "host/database/curve_states.h"
 #include "host/database/parts_visit.h"
 #include "host/database/piece_queries.h"
@@ -94,7 +95,9 @@ bool appendParts(const AcDbEntity* entity, std::vector<CurvePiece>& pieces, Open
         return false;
     open.insert(open.end(), blocks.begin(), blocks.end());
     AcDbEntityArray parts;
-    const bool found = entity->explode(parts) == Acad::eOk;
+    const auto* const reference = AcDbBlockReference::cast(entity);
+    const auto status = reference ? appendShownParts(*reference, parts) : entity->explode(parts);
+    const bool found = status == Acad::eOk;
     for (AcDbEntity* part : parts) {
         const std::unique_ptr<AcDbEntity> owned(part);
         if (found)

@@ -1,6 +1,7 @@
 // Filing of whole objects: what every object has, around the fields of its class.
 
 #include <algorithm>
+#include <utility>
 
 #include "host/database/class_registry.h"
 #include "host/database/database_impl.h"
@@ -54,7 +55,8 @@ void writeCommonPart(const AcDbObject& object, GroupFiler& filer) {
     writeExtras(&filer, L"", state);
     const AcDbDatabase* const database = object.database();
     const bool isRoot = database && database->namedObjectsDictionaryId() == object.objectId();
-    if (!state.owner.isNull())
+    // An owner that a file named and did not have is none.
+    if (state.owner.isValid())
         filer.writeObjectId(330, state.owner);
     else if (isRoot)
         filer.add({330, ObjectReference{}});
@@ -97,15 +99,18 @@ public:
                 i = readBracketed(i);
             else if (code <= 0 || code == 5 || code == 105)
                 filer_.take(i);
-            else if (code == 330 && !ownerSeen_)
+            else if (code == 330 && (!ownerSeen_ || filer_.hasMarkers()))
                 takeOwner(i);
         }
         readExtendedData();
     }
 
 private:
+    // The first one says it. Others before the marker of a class are copies by mistake: kept, they would move
+    // up.
     void takeOwner(std::size_t index) {
-        ownerSeen_ = true;
+        if (std::exchange(ownerSeen_, true))
+            return filer_.take(index);
         const auto* const reference = std::get_if<ObjectReference>(&filer_.groups()[index].value);
         if (reference && state_.owner.isNull())
             state_.owner = reference->id;

@@ -1,6 +1,7 @@
 #include "host/database/proxies.h"
 
 #include <utility>
+#include <vector>
 
 #include "host/database/class_records.h"
 #include "host/database/class_registry.h"
@@ -89,10 +90,34 @@ std::vector<DxfGroup> groupsOf(const AcDbObject& object) {
     return object.dxfOut(&filer) == Acad::eOk ? std::move(filer.groups()) : std::vector<DxfGroup>();
 }
 
+// Leaves the layer out, which the caller takes from the state that wrote the groups: by its name, one that
+// was undone would be made anew.
+void dropLayer(std::vector<DxfGroup>& groups) {
+    bool inEntity = false;
+    std::erase_if(groups, [&inEntity](const DxfGroup& group) {
+        if (group.code == 100) {
+            const auto* const marker = std::get_if<std::wstring>(&group.value);
+            inEntity = marker && *marker == L"AcDbEntity";
+        }
+        return group.code == 8 && inEntity;
+    });
+}
+
 // Reads what another class wrote; the object is outside any database and in no log.
 bool readGroups(AcDbObject& object, AcDbDatabase* database, std::vector<DxfGroup> groups) {
     GroupFiler filer(database, std::move(groups));
     return object.dxfIn(&filer) == Acad::eOk;
+}
+
+// Reads what the other object writes.
+bool readGroupsOf(const AcDbObject& source, AcDbObject& object, AcDbDatabase* database) {
+    std::vector<DxfGroup> groups = groupsOf(source);
+    dropLayer(groups);
+    if (groups.empty() || !readGroups(object, database, std::move(groups)))
+        return false;
+    if (isEntity(object))
+        static_cast<EntityState&>(stateOf(object)).layer = static_cast<EntityState&>(stateOf(source)).layer;
+    return true;
 }
 
 std::unique_ptr<AcDbObject> newObject(const AcRxClass& cls) {
@@ -117,7 +142,7 @@ std::unique_ptr<AcDbObject> objectFromProxy(const AcDbObject& proxy, const AcRxC
         if (object->dwgIn(&filer) != Acad::eOk)
             return nullptr;
         copyBase(stateOf(proxy), stateOf(*object), isEntity(proxy));
-    } else if (!readGroups(*object, database, groupsOf(proxy))) {
+    } else if (!readGroupsOf(proxy, *object, database)) {
         return nullptr;
     }
     stateOf(*object).owner = stateOf(proxy).owner;
@@ -146,10 +171,10 @@ void strand(AcDbStub& stub) {
     strandedObjects().push_back(std::exchange(stub.object, nullptr));
 }
 
-void makeProxy(AcDbStub& stub) {
+void makeProxy(AcDbStub& stub, ProxyGraphics picture) {
     std::unique_ptr<AcDbObject> proxy = proxyFor(*stub.object, stub.database);
     if (auto* const entity = dynamic_cast<UnknownEntityState*>(&stateOf(*proxy)))
-        entity->graphics = ProxyGraphics::of(AcDbObjectId(&stub));
+        entity->graphics = std::move(picture);
     keepClassRecord(*stub.database, *stub.object->isA());
     if (!isOpen(stub))
         return replaceObject(stub, std::move(proxy));
@@ -265,10 +290,8 @@ std::unique_ptr<AcDbObject> proxyFor(const AcDbObject& object, AcDbDatabase* dat
     const bool entity = isEntity(object);
     std::unique_ptr<AcDbObject> proxy = emptyProxy(*object.isA(), entity);
     // Groups of an object that could not be read would say what is not so.
-    if (!record && object.isA()->dxfName()) {
-        if (auto groups = groupsOf(object); !groups.empty())
-            readGroups(*proxy, database, std::move(groups));
-    }
+    if (!record && object.isA()->dxfName())
+        readGroupsOf(object, *proxy, database);
     copyBase(stateOf(object), stateOf(*proxy), entity);
     if (!record)
         record = recordOf(object, AcDb::kUndoFiler);  // references to erased objects included
@@ -304,10 +327,15 @@ void putBack(AcDbStub& stub, std::unique_ptr<AcDbObject> proxy) {
 void replaceObjectsByProxies(const AcRxClass* cls) {
     SavedFields::classGoes(*cls);
     for (const AcDbDatabase* const database : liveDatabases()) {
-        forEachStub(*database, [cls](AcDbStub& stub) {
+        // All pictures before the first proxy: those of blocks that show each other would hold one another's,
+        // which double with every proxy.
+        std::vector<std::pair<AcDbStub*, ProxyGraphics>> pictures;
+        forEachStub(*database, [&](AcDbStub& stub) {
             if (stub.object->isKindOf(cls))
-                makeProxy(stub);
+                pictures.emplace_back(&stub, ProxyGraphics::of(AcDbObjectId(&stub)));
         });
+        for (auto& [stub, picture] : pictures)
+            makeProxy(*stub, std::move(picture));
         dropRemoved(database->impl(), cls);
     }
 }

@@ -69,7 +69,6 @@ public:
     const std::wstring& name() const { return name_; }
 
 private:
-
     Document& document_;
     std::wstring name_;
 };

@@ -5,6 +5,7 @@
 #include "host/database/database_impl.h"
 #include "host/database/names.h"
 #include "host/documents/host.h"
+#include "host/exchange/drawing_file.h"
 
 namespace drafthost::editor {
 namespace {
@@ -32,16 +33,19 @@ std::wstring nameOfFile(const std::wstring& path) {
 
 AcDbObjectId insertFile(CommandContext& context, const std::wstring& path, const std::wstring& name) {
     AcDbDatabase drawing(false, true);
-    ACHAR* message = nullptr;
-    auto status = drawing.readDwgFile(path.c_str(), AcDb::kDenyNone, &message);
-    std::wstring reason = message && *message ? message : acadErrorStatusText(status);
-    acutDelString(message);
-    if (reason.find(path) == std::wstring::npos)
-        reason.insert(0, path + L": ");
-    if (status != Acad::eOk)
+    const exchange::DxfReadResult read = exchange::readDrawing(drawing, path, AcDb::kDenyNone);
+    if (read.status != Acad::eOk) {
+        std::wstring reason = read.message.empty() ? acadErrorStatusText(read.status) : read.message;
+        if (reason.find(path) == std::wstring::npos)
+            reason.insert(0, path + L": ");
         refuse(context, L"The drawing cannot be read. " + reason);
+    }
+    for (const exchange::AuditFinding& finding : read.audit.findings()) {
+        if (finding.code == exchange::AuditCode::LeftOut)
+            context.print(finding.text);
+    }
     AcDbObjectId block;
-    status = context.database().insert(block, name.c_str(), &drawing);
+    const auto status = context.database().insert(block, name.c_str(), &drawing);
     if (status == Acad::eInvalidKey)
         refuse(context, L"\"" + name + L"\" cannot be the name of a block.");
     if (status == Acad::eSelfReference)

@@ -66,7 +66,8 @@ public:
     std::size_t errorsFixed() const { return fixed_; }
     // For a file whose lines nobody sees.
     void forgetLines();
-    // "Auditing: 3 errors found, 3 fixed". Objects that are not read from DWG files and additions to complete a drawing are no errors and are not counted.
+    // "Auditing: 3 errors found, 3 fixed". Objects that are not read from DWG files and additions to complete
+    // a drawing are no errors and are not counted.
     std::wstring summary() const;
 
 private:

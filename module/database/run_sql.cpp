@@ -1,8 +1,8 @@
 #include "module/database/run_sql.h"
 
 #include "host/api/editor.h"
-#include "module/binding/variant.h"
 #include "module/binding/message_box.h"
+#include "module/binding/variant.h"
 #include "module/database/server_connection.h"
 #include "module/database/server_results.h"
 

@@ -149,6 +149,34 @@ TEST(ExchangeDxf, WritingReadingAndWritingGivesTheSameBytes) {
     EXPECT_EQ(second.written(), once);
 }
 
+// They stood behind two markers, and doubled with every saving.
+TEST(ExchangeDxf, UnknownGroupsOfAnArrayOfInsertionsStandThereOnce) {
+    const std::string insert =
+        "0\nINSERT\n5\n2A\n330\n1F\n100\nAcDbEntity\n8\n0\n100\nAcDbMInsertBlock\n2\nPART\n10\n"
+        "1\n20\n2\n70\n4\n71\n3\n44\n5\n270\n77\n";
+    const std::string block =
+        section("BLOCKS", "0\nBLOCK\n5\n2B\n8\n0\n2\nPART\n70\n0\n10\n0\n20\n0\n0\nENDBLK\n5\n2C\n8\n0\n");
+    Drawing first(::drawing("AC1015", block + section("ENTITIES", insert)));
+    ASSERT_EQ(first.result.status, Acad::eOk);
+    const std::string once = first.written();
+    const std::size_t at = once.find("270\r\n77\r\n");
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_EQ(once.find("270\r\n77\r\n", at + 1), std::string::npos);
+    Drawing second(once);
+    EXPECT_EQ(second.written(), once);
+}
+
+// One was lost with every saving.
+TEST(ExchangeDxf, SurplusOwnersThatAreNotThereGoAtOnce) {
+    const std::string objects = "0\nFANCY\n5\n2A\n330\n99\n330\n0\n330\n0\n100\nAcDbFancy\n90\n3\n";
+    Drawing first(::drawing("AC1015", section("OBJECTS", objects)));
+    ASSERT_EQ(first.result.status, Acad::eOk);
+    const std::string once = first.written();
+    EXPECT_NE(once.find("2A\r\n100\r\nAcDbFancy\r\n 90\r\n"), std::string::npos);
+    Drawing second(once);
+    EXPECT_EQ(second.written(), once);
+}
+
 TEST(ExchangeDxf, FileCutOffAnywhereIsRefusedOrReadButNeverHalf) {
     const std::string whole =
         oldDrawing("0\nLINE\n8\nA\n10\n1\n20\n2\n11\n3\n21\n4\n0\nPOLYLINE\n8\n0\n66\n1\n" + kVertices,

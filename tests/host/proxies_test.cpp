@@ -285,6 +285,23 @@ TEST_F(ProxyUndo, RedoesWhatItTookBackAcrossTheClass) {
     expectTag(id, L"before");
 }
 
+// It would stand there twice when the creation is done again.
+TEST_F(ProxyUndo, DoesNotMakeALayerAnewThatWasTakenBack) {
+    const AcDbObjectId id = addTag(L"text");
+    ChangeLog log;
+    db().impl().logs.push_back(&log);
+    const AcDbObjectId layer = addLayer(L"TAKEN BACK");
+    ASSERT_EQ(AcDbObjectPointer<AcDbEntity>(id, AcDb::kForWrite)->setLayer(layer), Acad::eOk);
+    std::erase(db().impl().logs, &log);
+    ChangeLog redo = log.revert(db(), ChangeLog::Removal::AsErased);
+    unload();
+    EXPECT_TRUE(findRecord(&db(), TableIndex::Layer, L"TAKEN BACK").isNull());
+    redo.revert(db(), ChangeLog::Removal::AsErased);
+    EXPECT_EQ(findRecord(&db(), TableIndex::Layer, L"TAKEN BACK"), layer);
+    load();
+    EXPECT_EQ(AcDbObjectPointer<AcDbEntity>(id, AcDb::kForRead)->layerId(), layer);
+}
+
 TEST_F(Classes, ObjectsChangedByListsKeepMembersAndForeignGroups) {
     AcDbObjectId id;
     {

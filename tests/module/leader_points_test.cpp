@@ -224,6 +224,20 @@ TEST_F(LeaderPoints, extentsOfATurnedInsertionHoldTheSymbol) {
     }
 }
 
+TEST_F(LeaderPoints, insertionsAreMetWhereTheSymbolShows) {
+    const AcDbObjectId block = addRecord<AcDbBlockTable>(L"Detail", new AcDbBlockTableRecord);
+    append(new QNLeader({0, 0, 0}, {4, 3, 0}, {10, 3, 0}, 2, symbol, layer), block);
+    AcDbBlockReference insertion({0, 0, 0}, block);
+    insertion.setScaleFactors({5, 5, 5});
+    // The circle, 10 about (50 15), left of its arrow.
+    const AcDbLine across({44, 20, 0}, {44, 99, 0});
+    AcGePoint3dArray found, reversed;
+    EXPECT_EQ(Acad::eOk, insertion.intersectWith(&across, AcDb::kOnBothOperands, found));
+    expectNear(Points{{44, 23, 0}}, listOf(found));
+    EXPECT_EQ(Acad::eOk, across.intersectWith(&insertion, AcDb::kOnBothOperands, reversed));
+    expectNear(Points{{44, 23, 0}}, listOf(reversed));
+}
+
 // The block of a leader may be the one that it lies in.
 TEST_F(LeaderPoints, symbolThatShowsItsLeaderIsNotTakenApartForEver) {
     const AcDbObjectId block = addRecord<AcDbBlockTable>(L"Loop", new AcDbBlockTableRecord);
@@ -275,6 +289,8 @@ TEST_F(LeaderPoints, explodesIntoLinesAndTheBlocksContents) {
     EXPECT_EQ((Names{L"AcDbLine", L"AcDbLine", L"AcDbCircle", L"AcDbLine"}), kindsOf(sample));
     const QNLeader without({0, 0, 0}, {1, 0, 0}, {2, 0, 0}, 1, AcDbObjectId::kNull, layer);
     EXPECT_EQ((Names{L"AcDbLine", L"AcDbLine"}), kindsOf(without));
+    const QNLeader withoutOffset({0, 0, 0}, {1, 0, 0}, {2, 0, 0}, 0, AcDbObjectId::kNull, layer);
+    EXPECT_EQ((Names{L"AcDbLine", L"AcDbLine"}), kindsOf(withoutOffset));
 
     AcDbEntityArray parts;
     sample.explode(parts);

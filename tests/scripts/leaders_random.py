@@ -184,7 +184,8 @@ def program(r, rounds):
         lines.append('(princ "\\nround %d")' % i)
         lines += operations(r, marks)
         lines.append('(try \'(lambda () (if (not qn_qn-leader-insert) (arxload "Tessary2010x64.arx"))))')
-        lines.append("(check)")
+        # Something to take back: REDO goes back to an earlier UNDO otherwise.
+        lines += ["(check)", "(entmake (leader-data 77.0))"]
         if marks:
             lines.append('(command "_UNDO" "_E")')
         lines.append('(saved "last%d.dxf")' % i)

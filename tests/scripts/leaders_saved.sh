@@ -170,4 +170,31 @@ program --support "$TESSARY_BIN" away.lsp
 check 'the add-in goes and comes back' 0 $? out '(UNLOADED "Tessary2010x64.arx")' out '(FUNCTION nil)' out '(KEPT T)' out '(ERASED-WITHOUT T)' \
     out '(PICKED T)' out '(LOADED T)' out '(SAME T)' out '(PARTS "CIRCLE" "LINE" "LINE")'
 
+# A block that is being made is not in the drawing yet: it is dropped with the class, and so is no danger to the host.
+cat >unfinished.lsp <<'LISP'
+(entmake '((0 . "BLOCK") (2 . "UNFINISHED") (70 . 0) (10 0.0 0.0 0.0)))
+(entmake '((0 . "QNLEADER") (100 . "AcDbEntity") (100 . "QNLeader") (10 0.0 0.0 0.0) (11 1.0 1.0 0.0) (12 3.0 1.0 0.0) (40 . 1.0)))
+(arxunload "Tessary2010x64.arx")
+(print (list 'finished (entmake '((0 . "ENDBLK"))) (tblsearch "BLOCK" "UNFINISHED")))
+(print (list 'drawn (null (entmakex '((0 . "POINT") (10 1.0 1.0 0.0))))))
+LISP
+program --support "$TESSARY_BIN" unfinished.lsp
+check 'the add-in goes while a block is being made' 0 $? out '(FINISHED nil nil)' out '(DRAWN nil)'
+
+# Their pictures must not hold one another's, over and over.
+cat >mutual.lsp <<'LISP'
+(defun part (x) (list '(0 . "QNLEADER") '(100 . "AcDbEntity") '(8 . "0") '(100 . "QNLeader") (list 10 x 0.0 0.0) (list 11 x 3.0 0.0) (list 12 x 5.0 0.0) '(40 . 0.5)))
+(entmake '((0 . "BLOCK") (2 . "MUTUAL") (70 . 0) (10 0.0 0.0 0.0)))
+(setq x 0.0)
+(repeat 40 (entmake (part (setq x (1+ x)))))
+(entmake '((0 . "ENDBLK")))
+(setq e (cdr (assoc -2 (tblsearch "BLOCK" "MUTUAL"))))
+(while e (qn_qn-leader-setBlock e "MUTUAL") (setq e (entnext e)))
+(print (list 'unloaded (arxunload "Tessary2010x64.arx")))
+(print (list 'loaded (not (null (arxload "Tessary2010x64.arx")))))
+(princ)
+LISP
+program --support "$TESSARY_BIN" mutual.lsp
+check 'leaders in a block that is their symbol' 0 $? out '(UNLOADED "Tessary2010x64.arx")' out '(LOADED T)'
+
 exit "$((failures > 0))"
