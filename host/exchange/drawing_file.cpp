@@ -6,6 +6,7 @@
 
 #include "host/database/database_impl.h"
 #include "host/exchange/dwg_conversion.h"
+#include "host/exchange/file_handle.h"
 
 #if defined(_WIN32)
 #include <share.h>
@@ -15,11 +16,6 @@ namespace drafthost::exchange {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
 
 #if defined(_WIN32)
 static_assert(AcDb::kDenyWrite == _SH_DENYWR && AcDb::kDenyNone == _SH_DENYNO);

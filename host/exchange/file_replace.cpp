@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <memory>
 
+#include "host/exchange/file_handle.h"
+
 #if defined(_WIN32)
 #include <windows.h>
 
@@ -15,11 +17,6 @@ namespace drafthost::exchange {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
 
 // Removes the file at the end unless it was renamed.
 class TemporaryFile {

@@ -36,11 +36,11 @@ bool readLeaderOffset(ArgCursor& cursor, double& offset) {
     return true;
 }
 
-// The functions that edit a leader: the first argument names it, the edit reads the others and sets the
-// result. What cannot be had for writing (no leader, erased, on a locked layer) gives nil before they are
-// looked at.
-template <class Edit>
-HandlerStatus editLeader(Edit edit) {
+// The functions that work on a leader: the first argument names it, the work reads the others and sets the
+// result. What cannot be opened so (no leader, erased, for writing on a locked layer) gives nil before they
+// are looked at.
+template <class Work>
+HandlerStatus withLeader(AcDb::OpenMode mode, Work work) {
     acedRetNil();
     const ArgumentList arguments;
     ArgCursor cursor = arguments.first();
@@ -48,8 +48,8 @@ HandlerStatus editLeader(Edit edit) {
     if (!readObjectId(cursor, id)) {
         return HandlerStatus::wrongType;
     }
-    const LeaderPointer leader(id, AcDb::kForWrite);
-    return leader ? edit(*leader, cursor) : HandlerStatus::success;
+    const LeaderPointer leader(id, mode);
+    return leader ? work(*leader, cursor) : HandlerStatus::success;
 }
 
 // A new part of an exploded leader, added to the drawing and closed; null when it could not be added.
@@ -115,7 +115,7 @@ HandlerStatus insertLeader() {
 }
 
 HandlerStatus setLeaderPoints() {
-    return editLeader([](QNLeader& leader, ArgCursor& cursor) {
+    return withLeader(AcDb::kForWrite, [](QNLeader& leader, ArgCursor& cursor) {
         LeaderPoints points;
         if (!readLeaderPoints(cursor, points)) {
             return HandlerStatus::wrongType;
@@ -129,7 +129,7 @@ HandlerStatus setLeaderPoints() {
 // T also when there is no such block and the leader stays as it was: the drafter has been told by then, and
 // programs go on with the next leader.
 HandlerStatus setLeaderBlock() {
-    return editLeader([](QNLeader& leader, ArgCursor& cursor) {
+    return withLeader(AcDb::kForWrite, [](QNLeader& leader, ArgCursor& cursor) {
         std::wstring name;
         if (!readString(cursor, name)) {
             return HandlerStatus::wrongType;
@@ -141,7 +141,7 @@ HandlerStatus setLeaderBlock() {
 }
 
 HandlerStatus setLeaderOffset() {
-    return editLeader([](QNLeader& leader, ArgCursor& cursor) {
+    return withLeader(AcDb::kForWrite, [](QNLeader& leader, ArgCursor& cursor) {
         double offset = 0.0;
         if (!readLeaderOffset(cursor, offset)) {
             return HandlerStatus::wrongType;
@@ -154,30 +154,21 @@ HandlerStatus setLeaderOffset() {
 
 // The leader stays: the caller erases it when the parts are to take its place.
 HandlerStatus explodeLeader() {
-    acedRetNil();
-    const ArgumentList arguments;
-    ArgCursor cursor = arguments.first();
-    AcDbObjectId id;
-    if (!readObjectId(cursor, id)) {
-        return HandlerStatus::wrongType;
-    }
-    const LeaderPointer leader(id, AcDb::kForRead);
-    if (!leader) {
+    return withLeader(AcDb::kForRead, [](const QNLeader& leader, ArgCursor&) {
+        const AcGePoint3d tail = leader.tailPoint();
+        const std::array<AcDbEntity*, 3> parts = {
+            addPart(leader, std::make_unique<AcDbLine>(leader.startPoint(), leader.middlePoint())),
+            addPart(leader, std::make_unique<AcDbLine>(leader.middlePoint(), tail)),
+            addPart(leader, copySymbol(leader.blockReference())),
+        };
+        ResultList result;
+        beginResultList(result);
+        for (const AcDbEntity* const part : parts) {
+            addNamedEntity(result, L"obj", part);
+        }
+        endAndReturnList(result);
         return HandlerStatus::success;
-    }
-    const AcGePoint3d tail = leader->tailPoint();
-    const std::array<AcDbEntity*, 3> parts = {
-        addPart(*leader, std::make_unique<AcDbLine>(leader->startPoint(), leader->middlePoint())),
-        addPart(*leader, std::make_unique<AcDbLine>(leader->middlePoint(), tail)),
-        addPart(*leader, copySymbol(leader->blockReference())),
-    };
-    ResultList result;
-    beginResultList(result);
-    for (const AcDbEntity* const part : parts) {
-        addNamedEntity(result, L"obj", part);
-    }
-    endAndReturnList(result);
-    return HandlerStatus::success;
+    });
 }
 
 }  // namespace tessary
