@@ -1,7 +1,6 @@
 #include "host/database/saved_fields.h"
 
 #include <algorithm>
-#include <unordered_set>
 #include <utility>
 
 #include "host/database/database_impl.h"
@@ -11,12 +10,6 @@
 namespace drafthost {
 namespace {
 
-// All that are saved, in whatever log.
-std::unordered_set<SavedFields*>& allSaved() {
-    static auto* const saved = new std::unordered_set<SavedFields*>;
-    return *saved;
-}
-
 Acad::ErrorStatus readInto(AcDbObject& object, AcDbDatabase& database, DwgRecord record) {
     MemoryFiler filer(&database, AcDb::kUndoFiler, std::move(record));
     const WhateverOpen writable(database);
@@ -25,14 +18,21 @@ Acad::ErrorStatus readInto(AcDbObject& object, AcDbDatabase& database, DwgRecord
 
 }  // namespace
 
-SavedFields::SavedFields(const AcDbObject& object) : cls_(object.isA()), database_(object.database()) {
+SavedFields* SavedFields::newest = nullptr;
+
+SavedFields::SavedFields(const AcDbObject& object)
+    : cls_(object.isA()), database_(object.database()), older_(newest) {
     if (auto record = recordOf(object, AcDb::kUndoFiler))
         record_ = std::move(*record);
-    allSaved().insert(this);
+    if (older_)
+        older_->newer_ = this;
+    newest = this;
 }
 
 SavedFields::~SavedFields() {
-    allSaved().erase(this);
+    if (older_)
+        older_->newer_ = newer_;
+    (newer_ ? newer_->older_ : newest) = older_;
 }
 
 void SavedFields::restore(AcDbStub& stub, std::unique_ptr<ObjectState> state) {
@@ -65,7 +65,7 @@ void SavedFields::becomeProxy() {
 }
 
 void SavedFields::classGoes(const AcRxClass& cls) {
-    for (SavedFields* const saved : allSaved())
+    for (SavedFields* saved = newest; saved; saved = saved->older_)
         if (saved->cls_ && saved->cls_->isDerivedFrom(&cls))
             saved->becomeProxy();
 }

@@ -32,6 +32,10 @@ private:
     AcDbDatabase* database_;
     DwgRecord record_;
     std::unique_ptr<AcDbObject> proxy_;
+    // All that are saved, in whatever log, are one list.
+    static SavedFields* newest;
+    SavedFields* older_;
+    SavedFields* newer_ = nullptr;
 };
 
 }  // namespace drafthost

@@ -31,7 +31,7 @@ for name in class curve drawing entity filing points; do
     sources+=" $root/module/leader/leader_$name.cpp"
 done
 sources+=" $root/host/graphics/world_draw.cpp $root/module/drawing/geometry_helpers.cpp"
-sources+=" $root/module/binding/value_list.cpp $root/module/binding/configuration.cpp $root/tests/fuzz/filing_fuzz.cpp"
+sources+=" $root/module/binding/value_list.cpp $root/tests/fuzz/filing_fuzz.cpp"
 # shellcheck disable=SC2016,SC2086
 printf '%s\n' $sources | xargs -P "$(nproc)" -I{} bash -c 'compile "$1"' _ {}
 objects=$(for source in $sources; do echo "$folder/filing/$(printf '%s' "${source#"$root"/}" | tr / _).o"; done)
