@@ -92,12 +92,14 @@ cat >endless.lsp <<'LISP'
     (while T (vl-catch-all-apply '(lambda () (car 5)))))
 (c:endless)
 LISP
-timeout 60 "$TESSARY_WINE" "$TESSARY_BIN/drafthost.exe" run --save late.dxf endless.lsp >out.txt 2>err.txt </dev/null &
+timeout 120 "$TESSARY_WINE" "$TESSARY_BIN/drafthost.exe" run --save late.dxf endless.lsp >out.txt 2>err.txt </dev/null &
 runner=$!
-for _ in $(seq 100); do
+# A signal before the program runs would be lost. On a busy machine its start may take long.
+for _ in $(seq 300); do
     [ -e running ] && break
     sleep 0.2
 done
+[ -e running ] || { echo 'an interrupted program: it did not start within a minute'; failures=$((failures + 1)); }
 child=$(pgrep -P "$runner" | head -1)
 kill -INT "${child:-$runner}"
 wait "$runner"
