@@ -112,6 +112,22 @@ void stretchEntities(CommandContext& context) {
     });
 }
 
+// Puts the parts, which are used up, into the block and erases the entity; all of it or nothing.
+bool replaceByParts(CommandContext& context, AcDbObjectId id, const AcDbEntityArray& parts,
+                    AcDbObjectId block) {
+    AcDbTransactionManager& transactions = *context.database().transactionManager();
+    transactions.startTransaction();
+    bool complete = true;
+    for (AcDbEntity* const part : parts)
+        complete = context.append(std::unique_ptr<AcDbEntity>(part), block) && complete;
+    if (complete) {
+        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+        complete = entity && entity->erase() == Acad::eOk;
+    }
+    complete ? transactions.endTransaction() : transactions.abortTransaction();
+    return complete;
+}
+
 // The parts of the entity, which keep their looks, come where it was. eNotApplicable: it has none, or would
 // lose some, and stays.
 Acad::ErrorStatus explodeEntity(CommandContext& context, AcDbObjectId id) {
@@ -135,10 +151,7 @@ Acad::ErrorStatus explodeEntity(CommandContext& context, AcDbObjectId id) {
                 part->setPropertiesFrom(entity.object());
         }
     }
-    for (AcDbEntity* part : parts)
-        context.append(std::unique_ptr<AcDbEntity>(part), owner);
-    context.erase({id});
-    return Acad::eOk;
+    return replaceByParts(context, id, parts, owner) ? Acad::eOk : Acad::eNotApplicable;
 }
 
 void explodeEntities(CommandContext& context) {
