@@ -20,4 +20,9 @@ fi
 if [ "${TESSARY_MAKING_PREFIX-}" != yes ] && ! [ -f "$WINEPREFIX/ready" ]; then
     "$root/scripts/wine-prefix.sh" </dev/null >&2 || exit 3
 fi
+# Where the system lays a program's memory at random, it hits the page that Windows programs share once in some thousand
+# starts, and Wine ends the program with status 1 before it runs. Some sandboxes do not allow to turn that off.
+if setarch -R true 2>/dev/null; then
+    exec setarch -R wine "$@"
+fi
 exec wine "$@"
