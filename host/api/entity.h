@@ -15,6 +15,14 @@ struct AcDbGripData {
 };
 using AcDbGripDataPtrArray = AcArray<AcDbGripData*>;
 
+// What a solid amounts to, for lists of parts. Drawing units, square and cubic ones.
+struct AcDbSolidMeasures {
+    const ACHAR* kind = L"";  // what it is, for people; a text constant of the class
+    double volume = 0;        // enclosed
+    double surfaceArea = 0;   // of the whole surface
+    double sheetArea = 0;     // of the sheet metal that it is made of, laid flat; 0 for none
+};
+
 class DRAFTHOST_API AcDbExtents {
 public:
     AcDbExtents() = default;
@@ -107,6 +115,8 @@ public:
     Acad::ErrorStatus intersectWith(const AcDbEntity* other, AcDb::Intersect type, const AcGePlane& plane,
                                     AcGePoint3dArray& points, std::int64_t thisMarker = 0,
                                     std::int64_t otherMarker = 0) const;
+    // eNotApplicable for what is no solid, and for one that holds nothing.
+    Acad::ErrorStatus getSolidMeasures(AcDbSolidMeasures& measures) const;
     // Describes the entity on the command line.
     void list() const;
 
@@ -121,6 +131,7 @@ protected:
     // What stands behind the operations above. Operations that change call assertWriteEnabled first, the
     // others assertReadEnabled.
     virtual void subList() const;
+    virtual Acad::ErrorStatus subGetSolidMeasures(AcDbSolidMeasures& measures) const;
     virtual Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, std::int64_t marker,
                                                 const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
                                                 const AcGeMatrix3d& viewTransform,

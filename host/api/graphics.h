@@ -7,6 +7,7 @@
 #include "host/api/rx.h"
 
 class AcGiWorldDraw;
+class AcGiViewportDraw;
 
 // Something that can draw itself.
 class DRAFTHOST_API AcGiDrawable : public AcRxObject {
@@ -19,9 +20,12 @@ public:
     virtual bool rolloverHit(std::uint64_t subEntity, std::uint64_t mouseFlags, bool reset);
     // Draws into the world draw. True: everything is drawn, no drawing by viewport is needed.
     bool worldDraw(AcGiWorldDraw* worldDraw);
+    // Draws what depends on the direction of view. Called after worldDraw said that something is left.
+    void viewportDraw(AcGiViewportDraw* viewportDraw);
 
 protected:
     virtual bool subWorldDraw(AcGiWorldDraw* worldDraw) = 0;
+    virtual void subViewportDraw(AcGiViewportDraw* viewportDraw);
 };
 
 // Colours are indices: 0 by block, 1 to 255, 256 by layer. Null ids mean by layer.
@@ -57,6 +61,16 @@ struct AcGiTextStyle {
          overlined = false;
 };
 
+// Of the edges of a shell, in the order in which its list of faces names them: the first face's from its
+// first point to its second, and so on. Null members: all edges are shown.
+struct AcGiEdgeData {
+    const bool* visibility = nullptr;
+};
+// Of the faces of a shell, in their order. Null members: all faces are shown.
+struct AcGiFaceData {
+    const bool* visibility = nullptr;  // false: drawn neither filled nor by its edges
+};
+
 class DRAFTHOST_API AcGiWorldGeometry {
 public:
     virtual ~AcGiWorldGeometry();
@@ -68,6 +82,14 @@ public:
     // Filled area bounded by several closed contours, even-odd rule. counts has contourCount entries.
     virtual bool polyPolygon(std::uint32_t contourCount, const std::uint32_t* counts,
                              const AcGePoint3d* points) = 0;
+    // Flat faces over common points. faceList: for each face its number of points, then their indices,
+    // counter-clockwise seen from outside; faceListSize counts all these numbers. Wire-frame pictures show
+    // the edges, shaded ones the faces too; where an edge is hidden, the faces beside it are parts of one
+    // curved surface. Hidden faces still bound the body that a closed shell encloses. Unless an
+    // implementation says otherwise, only the edges that are shown are drawn, as polylines.
+    virtual bool shell(std::uint32_t pointCount, const AcGePoint3d* points, std::uint32_t faceListSize,
+                       const std::int32_t* faceList, const AcGiEdgeData* edges = nullptr,
+                       const AcGiFaceData* faces = nullptr);
     virtual bool circle(const AcGePoint3d& center, double radius, const AcGeVector3d& normal) = 0;
     // Arc from the start direction through sweepAngle, counter-clockwise about normal.
     virtual bool circularArc(const AcGePoint3d& center, double radius, const AcGeVector3d& normal,
@@ -89,4 +111,24 @@ public:
     // Largest distance between a curve and the chords drawn for it.
     virtual double deviation() const = 0;
     virtual bool regenAbort() const { return false; }
+};
+
+// A view of the drawing.
+class DRAFTHOST_API AcGiViewport {
+public:
+    virtual ~AcGiViewport();
+    // Unit vector from the drawing towards the eye; views are parallel projections. In the coordinates of the
+    // entity that is being drawn.
+    virtual AcGeVector3d viewDir() const = 0;
+};
+
+// Drawing for one view: what the world draw cannot say because it depends on where one looks from.
+class DRAFTHOST_API AcGiViewportDraw {
+public:
+    virtual ~AcGiViewportDraw();
+    virtual AcGiWorldGeometry& geometry() const = 0;
+    virtual AcGiSubEntityTraits& subEntityTraits() const = 0;
+    virtual const AcGiViewport& viewport() const = 0;
+    // As of the world draw.
+    virtual double deviation() const = 0;
 };

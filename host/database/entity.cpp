@@ -205,6 +205,12 @@ Acad::ErrorStatus AcDbEntity::explode(AcDbEntityArray& parts) const {
 void AcDbEntity::list() const {
     subList();
 }
+Acad::ErrorStatus AcDbEntity::getSolidMeasures(AcDbSolidMeasures& measures) const {
+    return subGetSolidMeasures(measures);
+}
+Acad::ErrorStatus AcDbEntity::subGetSolidMeasures(AcDbSolidMeasures&) const {
+    return Acad::eNotApplicable;
+}
 bool AcDbEntity::isPlanar() const {
     return false;
 }

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "solids/shapes/transition.h"
+
+#include <array>
+
+namespace solids {
+
+using BoxCorners = std::array<AcGePoint3d, 8>;
+
+// What is known of a mitred elbow before it is built.
+struct SquareElbowPlan {
+    AcGePoint3d start, corner, end;  // of the centre line
+    BoxCorners startLeg, endLeg;     // see solids/api/hvac_solid.h
+};
+
+// start, end: the far ends of the runs. collar: straight duct at both ends beyond the mitre. Null when the
+// runs are parallel, when the sections do not match across the plane of the bend (within 1e-6 of their
+// sizes), or when a run is too short for its leg.
+std::optional<SquareElbowPlan> planSquareElbow(const DuctEnd& start, const DuctEnd& end, double collar);
+// start, end: the elbow's own ends as planned; corner: as planned. Null when they do not belong together.
+std::optional<Body> makeSquareElbow(const DuctEnd& start, const DuctEnd& end, const AcGePoint3d& corner,
+                                    int flags);
+
+}  // namespace solids
