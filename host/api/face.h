@@ -30,7 +30,7 @@ public:
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
 
 protected:
-    bool subWorldDraw(AcGiWorldDraw* worldDraw) override;  // a shell of one face
+    bool subWorldDraw(AcGiWorldDraw* worldDraw) override;  // a shell; folded when it is bent
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
     Acad::ErrorStatus subExplode(AcDbEntityArray& parts) const override;  // eNotApplicable: it has no parts

@@ -3,6 +3,7 @@
 #include "host/api/block_reference.h"
 #include "host/api/curves.h"
 #include "host/api/database.h"
+#include "host/api/face.h"
 #include "host/api/point.h"
 #include "host/api/text_entities.h"
 #include "host/database/sequence_entities.h"
@@ -23,6 +24,7 @@ std::span<const ClassDescriptor> builtInClasses() {
         &AcDbArc::desc,
         &AcDbPolyline::desc,
         &AcDbPoint::desc,
+        &AcDbFace::desc,
         &AcDbText::desc,
         &AcDbAttributeDefinition::desc,
         &AcDbAttribute::desc,

@@ -34,7 +34,7 @@ constexpr EntityRecipe kRecipes[] = {
     {L"POINT", nullptr, kPoint, false},
     {L"SOLID", L"AcDbTrace", kThreePoints, false},
     {L"TRACE", L"AcDbTrace", kThreePoints, false},
-    {L"3DFACE", L"AcDbFace", kThreePoints, false},
+    {L"3DFACE", nullptr, kThreePoints, false},
     {L"RAY", L"AcDbRay", kTwoPoints, false},
     {L"XLINE", L"AcDbXline", kTwoPoints, false},
     {L"ELLIPSE", L"AcDbEllipse", kEllipse, false},

@@ -11,6 +11,7 @@
 #include "host/api/text_entities.h"
 #include "host/database/block_places.h"
 #include "host/database/curve_states.h"
+#include "host/database/face_state.h"
 #include "host/database/parts_visit.h"
 #include "host/database/piece_queries.h"
 #include "host/geometry/intersect.h"
@@ -54,6 +55,15 @@ void appendPolyline(const PolylineState& state, std::vector<CurvePiece>& pieces)
     }
     // The outermost segments that have length are the ones to lengthen.
     pieces[before].extendsBackward = pieces.back().extendsForward = !state.isClosed();
+}
+
+// A face is not lengthened.
+void appendFace(const FaceState& face, std::vector<CurvePiece>& pieces) {
+    for (const FaceEdge& edge : shownEdgesOf(face)) {
+        CurvePiece piece = segmentPiece(edge.start, edge.end);
+        piece.extendsBackward = piece.extendsForward = false;
+        pieces.push_back(piece);
+    }
 }
 
 // The box in the text's own directions: that of a copy turned into the world's axes.
@@ -124,6 +134,10 @@ bool appendPieces(const AcDbEntity* entity, std::vector<CurvePiece>& pieces, Ope
     }
     if (entity->isKindOf(AcDbPolyline::desc())) {
         appendPolyline(readState<PolylineState>(entity), pieces);
+        return true;
+    }
+    if (entity->isKindOf(AcDbFace::desc())) {
+        appendFace(readState<FaceState>(entity), pieces);
         return true;
     }
     if (const auto* text = AcDbText::cast(entity))

@@ -6,6 +6,7 @@
 
 #include "host/api/curves.h"
 #include "host/database/curve_states.h"
+#include "host/database/face_state.h"
 #include "host/geometry/harmonic.h"
 
 namespace drafthost {
@@ -243,6 +244,14 @@ SnapCurve curveOf(const PolylineState& state) {
     return curve;
 }
 
+// Its ends are left to the face itself: where edges are hidden, the others do not follow each other.
+SnapCurve curveOf(const FaceState& face) {
+    SnapCurve curve;
+    for (const FaceEdge& edge : shownEdgesOf(face))
+        curve.pieces.push_back({segmentPiece(edge.start, edge.end), edge.start, edge.end, {}});
+    return curve;
+}
+
 bool isFinite(const AcGeMatrix3d& matrix) {
     for (const auto& row : matrix.entry)
         if (!std::ranges::all_of(row, [](double value) { return std::isfinite(value); }))
@@ -278,6 +287,8 @@ std::optional<SnapCurve> snapCurveOf(const AcDbEntity& entity) {
     }
     if (entity.isKindOf(AcDbPolyline::desc()))
         return curveOf(readState<PolylineState>(&entity));
+    if (entity.isKindOf(AcDbFace::desc()))
+        return curveOf(readState<FaceState>(&entity));
     return std::nullopt;
 }
 

@@ -37,7 +37,7 @@ struct SnapCurve {
     bool isCircle = false;  // has neither ends nor a middle
 };
 
-// Lines, circles, arcs and polylines as they are; nothing for other classes.
+// Lines, circles, arcs, polylines and the edges of faces as they are; nothing for other classes.
 std::optional<SnapCurve> snapCurveOf(const AcDbEntity& entity);
 
 // Appends what the curve offers after the transformation to the world, which may be any: an arc may be part

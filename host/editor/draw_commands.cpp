@@ -1,10 +1,11 @@
-// Commands that draw: LINE, POINT, CIRCLE, ARC, PLINE, TEXT, INSERT.
+// Commands that draw: LINE, POINT, CIRCLE, ARC, PLINE, 3DFACE, TEXT, INSERT.
 
 #include <cmath>
 #include <numbers>
 
 #include "host/api/block_reference.h"
 #include "host/api/curves.h"
+#include "host/api/face.h"
 #include "host/api/point.h"
 #include "host/editor/command_context.h"
 #include "host/editor/command_tables.h"
@@ -150,6 +151,56 @@ void drawPolyline(CommandContext& context) {
     context.add(std::move(polyline));
 }
 
+struct FaceCorner {
+    AcGePoint3d point;        // UCS
+    bool edgeHidden = false;  // that starts here
+};
+
+// Nothing for an empty response; what was said about the edge counts all the same.
+bool askCorner(CommandContext& context, const wchar_t* prompt, std::optional<AcGePoint3d> base,
+               FaceCorner& corner) {
+    corner.edgeHidden = false;
+    for (;;) {
+        const Reply reply =
+            context.ask(Kind::Point, {.prompt = prompt, .keywords = L"Invisible", .base = base});
+        if (!reply.given)
+            return false;
+        if (reply.keyword.empty()) {
+            corner.point = reply.point;
+            return true;
+        }
+        corner.edgeHidden = true;
+    }
+}
+
+void addFace(CommandContext& context, const FaceCorner (&corners)[AcDbFace::kCorners]) {
+    const auto place = [&](int i) { return context.world(corners[i].point); };
+    const auto shown = [&](int i) { return !corners[i].edgeHidden; };
+    context.add(std::make_unique<AcDbFace>(place(0), place(1), place(2), place(3), shown(0), shown(1),
+                                           shown(2), shown(3)));
+}
+
+// Faces that hang together: each but the first begins with the last two points of the one before, between
+// which they share an edge.
+void drawFaces(CommandContext& context) {
+    FaceCorner corners[AcDbFace::kCorners];
+    if (!askCorner(context, L"Specify first point or [Invisible]: ", std::nullopt, corners[0]) ||
+        !askCorner(context, L"Specify second point or [Invisible]: ", corners[0].point, corners[1])) {
+        return;
+    }
+    while (askCorner(context, L"Specify third point or [Invisible] <exit>: ", corners[1].point, corners[2])) {
+        const bool fourSides = askCorner(context, L"Specify fourth point or [Invisible] <three-sided face>: ",
+                                         corners[2].point, corners[3]);
+        if (!fourSides) {  // the edge back to the first point starts at both
+            corners[3].point = corners[2].point;
+            corners[2].edgeHidden = corners[3].edgeHidden = corners[2].edgeHidden || corners[3].edgeHidden;
+        }
+        addFace(context, corners);
+        corners[0] = fourSides ? corners[2] : corners[1];
+        corners[1] = corners[3];
+    }
+}
+
 // Height that the current style fixes; 0: the drafter chooses.
 double fixedHeight(const AcDbDatabase& database) {
     const AcDbObjectPointer<AcDbTextStyleTableRecord> style(database.textstyle(), AcDb::kForRead);
@@ -193,8 +244,8 @@ void insertBlock(CommandContext& context) {
 }
 
 constexpr CommandDefinition kCommands[] = {
-    {L"ARC", drawArc},        {L"CIRCLE", drawCircle}, {L"INSERT", insertBlock}, {L"LINE", drawLine},
-    {L"PLINE", drawPolyline}, {L"POINT", drawPoint},   {L"TEXT", drawText},
+    {L"3DFACE", drawFaces}, {L"ARC", drawArc},        {L"CIRCLE", drawCircle}, {L"INSERT", insertBlock},
+    {L"LINE", drawLine},    {L"PLINE", drawPolyline}, {L"POINT", drawPoint},   {L"TEXT", drawText},
 };
 
 }  // namespace

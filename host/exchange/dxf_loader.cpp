@@ -64,8 +64,8 @@ std::string_view partTypeOf(std::string_view type) {
 // True when objects of the type have no subclass of that name twice. The line of a text has: AcDbText stands
 // before and behind its style.
 bool isSingleSubclass(std::string_view type, std::string_view name) {
-    constexpr std::array<std::string_view, 9> kTypes = {"LINE", "CIRCLE", "ARC",    "LWPOLYLINE", "INSERT",
-                                                        "TEXT", "MTEXT",  "ATTRIB", "ATTDEF"};
+    constexpr std::array<std::string_view, 10> kTypes = {"LINE", "CIRCLE", "ARC",    "LWPOLYLINE", "INSERT",
+                                                         "TEXT", "MTEXT",  "ATTRIB", "ATTDEF",     "3DFACE"};
     if (name == "AcDbEntity" || name == "AcDbSymbolTableRecord")
         return true;
     return name != "AcDbText" && std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end();

@@ -120,7 +120,7 @@ void addSubclassMarkers(std::vector<DxfGroup>& groups) {
 void gatherProperties(std::vector<DxfGroup>& groups) {
     // Classes in which these groups have no other meaning.
     constexpr std::wstring_view kSimple =
-        L" LINE CIRCLE ARC LWPOLYLINE POLYLINE TEXT MTEXT INSERT ATTRIB ATTDEF POINT SOLID ELLIPSE ";
+        L" LINE CIRCLE ARC LWPOLYLINE POLYLINE TEXT MTEXT INSERT ATTRIB ATTDEF POINT SOLID 3DFACE ELLIPSE ";
     if (kSimple.find(L" " + std::get<std::wstring>(groups.front().value) + L" ") == std::wstring_view::npos)
         return;
     const auto isMarker = [](const DxfGroup& group) { return group.code == 100; };

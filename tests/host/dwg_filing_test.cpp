@@ -130,6 +130,12 @@ protected:
         load(L"ARC",
              {text(100, L"AcDbCircle"), {10, p}, {40, 7.5}, text(100, L"AcDbArc"), {50, 30.0}, {51, 200.0}});
         load(L"POINT", {text(100, L"AcDbPoint"), {10, p}, {39, 2.0}, {50, 15.0}});
+        load(L"3DFACE", {text(100, L"AcDbFace"),
+                         {10, p},
+                         {11, AcGePoint3d(4, 5, 6)},
+                         {12, AcGePoint3d(7, 8, 9)},
+                         {39, 2.0},
+                         {70, std::int64_t{9}}});
         load(L"LWPOLYLINE", {text(100, L"AcDbPolyline"),
                              {90, std::int64_t{2}},
                              {70, std::int64_t{1}},

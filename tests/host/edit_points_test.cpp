@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "host/api/face.h"
 #include "host/api/point.h"
 #include "host/api/symbol_tables.h"
 #include "host/api/text_entities.h"
@@ -306,6 +307,7 @@ protected:
         path->addVertexAt(3, {5, 6});
         append(path, block);
         append(new AcDbPoint({7, 7, 1}), block);
+        append(new AcDbFace({9, 0, 0}, {12, 1, 0}, {11, 4, 2}, {8, 3, 1}, true, false), block);
         return block;
     }
     AcGePoint3dArray snapTo(AcDbObjectId id, AcDb::OsnapMode mode, const Look& look = {}) {
@@ -443,6 +445,8 @@ std::vector<std::unique_ptr<AcDbEntity>> oneOfEachEntity(Random& random) {
     mtext->setLocation(random.point());
     entities.push_back(std::move(mtext));
     entities.push_back(std::make_unique<AcDbPoint>(random.point()));
+    entities.push_back(
+        std::make_unique<AcDbFace>(random.point(), random.point(), random.point(), random.point()));
     entities.push_back(std::make_unique<AcDbBlockReference>(random.point(), AcDbObjectId()));
     return entities;
 }

@@ -31,6 +31,7 @@ cat >show.lsp <<'LISP'
     ((= (value 0 data) "LWPOLYLINE") (show (list (value 70 data) (vl-remove-if-not '(lambda (g) (member (car g) '(41 42))) data))))
     ((= (value 0 data) "INSERT") (show (list (value 2 data) (value 10 data) (value 41 data) (angtos (value 50 data) 0 4))))
     ((= (value 0 data) "ATTRIB") (show (list (value 2 data) (value 1 data))))
+    ((= (value 0 data) "3DFACE") (show (mapcar '(lambda (c) (value c data)) '(10 11 12 13 70))))
     ((= (value 0 data) "POLYLINE") (show (list (value 70 data) (value 8 data))))
     ((= (value 0 data) "VERTEX") (show (list (value 10 data) (value 42 data)))))
   (setq entity (entnext entity)))
@@ -53,7 +54,9 @@ check 'a drawing' 0 $? out '1 REGION cannot be read from DWG files: left out' \
     out '(4.0 (5.0 5.0 1.0) 2.5)' out '("30.0000" "120.0000")' out '("Café ^2" "ROMANS" "45.0000")' out '(250 5 1.5)' \
     out '(1 ((41 . 1.0) (42 . 0.5) (41 . 2.0) (42 . 0.0) (41 . 0.0) (42 . 0.0)))' \
     out '("DOOR" (20.0 10.0 0.0) 2.0 "90.0000")' out '("NUMBER" "D-17")' \
-    out '("LINE" "CIRCLE" "ARC" "TEXT" "MTEXT" "LWPOLYLINE" "INSERT" "ATTRIB" "SEQEND" "POLYLINE" "VERTEX" "VERTEX" "SEQEND" "ELLIPSE" "POINT" "SOLID" "SPLINE" "HATCH" "LINE")' \
+    out '("LINE" "CIRCLE" "ARC" "TEXT" "MTEXT" "LWPOLYLINE" "INSERT" "ATTRIB" "SEQEND" "POLYLINE" "VERTEX" "VERTEX" "SEQEND" "ELLIPSE" "POINT" "SOLID" "3DFACE" "3DFACE" "SPLINE" "HATCH" "LINE")' \
+    out '((0.0 0.0 1.0) (4.0 0.0 1.0) (4.0 3.0 2.0) (0.0 3.0 2.5) 5)' \
+    out '((0.0 0.0 1.0) (4.0 0.0 1.0) (4.0 3.0 2.0) (4.0 3.0 2.0) 0)' \
     out '(4 "0")' out '((1.0 2.0 5.0) 0.25)' \
     out '("WALLS" 4 1 "DASHED")' out '("NOTES" 1 -3 "Continuous")' out '("romans.shx" 0.8 "15.0000")' \
     out '((1.0 2.0 0.0) ("LINE" "ARC" "ATTDEF"))' out '(2.5 4.0 "WALLS" "ROMANS" (5.0 6.0 0.0) "plan.dwg")'
@@ -100,7 +103,7 @@ cat >insert.lsp <<'LISP'
   (cdr (assoc 70 (tblsearch "LAYER" "WALLS")))))
 LISP
 host run insert.lsp
-check 'a drawing as a block' 0 $? out '((5.0 6.0 0.0) 18 "plan" DOOR 68)' out '1 REGION cannot be read from DWG files: left out'
+check 'a drawing as a block' 0 $? out '((5.0 6.0 0.0) 20 "plan" DOOR 68)' out '1 REGION cannot be read from DWG files: left out'
 
 # --- what cannot be read ---
 : >empty.dwg

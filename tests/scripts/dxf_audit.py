@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """Drawings go through the host and come out whole: opens drawings of a component library, and drawings of every version
-made here, saves them again, and has the results examined by an independent reader."""
+made here, saves them again, and has the results examined by an independent reader. Faces that the host has drawn are
+the same to that reader."""
 
 import os
 import subprocess
@@ -40,6 +41,11 @@ def made_drawing(version, path):
     space.add_polyline3d([(0, 0, 0), (1, 2, 3), (4, 5, 6)])
     space.add_polymesh((3, 3))
     space.add_solid([(0, 0), (1, 0), (0, 1), (1, 1)])
+    space.add_3dface([(0, 0, 1), (4, 0, 2), (4, 3, 2.5)], dxfattribs={"color": 3})
+    face = space.add_3dface([(0.1, 0, 1), (1 / 3, 0, 2), (4, 3, 2), (0, 3, 1e-9)])
+    face.set_edge_visibility(1, False)
+    face.set_xdata("LABELS", [(1000, "face"), (1011, (1, 2, 3))])
+    document.blocks.get("NEST").add_3dface([(0, 0), (0, 0), (0, 0), (0, 0)]).dxf.invisible = 15
     space.add_linear_dim(base=(3, 2), p1=(0, 0), p2=(3, 0)).render()
     if version != "R12":
         add_newer_entities(document, space, line)
@@ -74,6 +80,45 @@ def convert(source, target, program):
     return []
 
 
+FACES = """
+(setvar "CMDECHO" 0)
+(command "_3DFACE" '(0 0 1) '(4 0 2) "_I" '(4 3 2) '(0 3 1) '(0 5 0.1) "" "")
+(entmake '((0 . "3DFACE") (8 . "ROOF") (10 1.0 2.0 3.0) (11 4.0 5.0 6.0) (12 7.0 8.0 9.5) (70 . 9)))
+(command "_ROTATE" (entlast) "" '(0 0) 90 "_SAVEAS" "FILE")
+"""
+# Corners and the visibility of edges, as the reader must find them.
+EXPECTED_FACES = [
+    ([(0, 0, 1), (4, 0, 2), (4, 3, 2), (0, 3, 1)], [True, True, False, True]),
+    ([(4, 3, 2), (0, 3, 1), (0, 5, 0.1), (0, 5, 0.1)], [False, True, True, True]),
+    ([(-2, 1, 3), (-5, 4, 6), (-8, 7, 9.5), (-8, 7, 9.5)], [False, True, True, False]),
+]
+
+
+def drawn_faces(folder):
+    program, target = os.path.join(folder, "faces.lsp"), os.path.join(folder, "faces.dxf")
+    open(program, "w").write(FACES.replace("FILE", windows_path(target).replace("\\", "/")))
+    command = [os.environ["TESSARY_WINE"], "drafthost.exe", "run", windows_path(program)]
+    done = subprocess.run(command, cwd=os.environ["TESSARY_BIN"], capture_output=True, timeout=120)
+    if done.returncode != 0 or not os.path.exists(target):
+        return ["the host failed with status %d: %s" % (done.returncode, (done.stdout + done.stderr).decode("utf-8", "replace"))]
+    problems = dxf_compare.complaints(target)
+    faces = list(ezdxf.readfile(target).modelspace().query("3DFACE"))
+    if len(faces) != len(EXPECTED_FACES):
+        return problems + ["%d faces instead of %d" % (len(faces), len(EXPECTED_FACES))]
+    for face, (corners, visible) in zip(faces, EXPECTED_FACES):
+        found = [face.dxf.get("vtx%d" % i) for i in range(4)]
+        if not all(point.isclose(corner, abs_tol=1e-12) for point, corner in zip(found, corners)):
+            problems.append("%s: corners %s instead of %s" % (face, found, corners))
+        if face.get_edges_visibility() != visible:
+            problems.append("%s: edges %s instead of %s" % (face, face.get_edges_visibility(), visible))
+    return problems
+
+
+def report(name, problems):
+    print("%s %s%s" % ("FAILED" if problems else "ok", name, "".join("\n    " + problem for problem in problems[:10])))
+    return bool(problems)
+
+
 def main():
     failures = 0
     with tempfile.TemporaryDirectory() as folder:
@@ -88,9 +133,8 @@ def main():
             problems = convert(source, target, program)
             if not problems:
                 problems = dxf_compare.complaints(target) + dxf_compare.losses(source, target, complete=True)
-            failures += bool(problems)
-            print("%s %s%s" % ("FAILED" if problems else "ok", os.path.basename(source),
-                               "".join("\n    " + problem for problem in problems[:10])))
+            failures += report(os.path.basename(source), problems)
+        failures += report("faces drawn by the host", drawn_faces(folder))
     return 1 if failures else 0
 
 

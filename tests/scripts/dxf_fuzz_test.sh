@@ -19,6 +19,7 @@ cat >leaders.lsp <<'LISP'
 (entmake '((0 . "INSERT") (66 . 1) (2 . "TAG") (10 0.0 0.0 0.0) (70 . 2) (71 . 3)))
 (entmake '((0 . "ATTRIB") (10 0.0 1.0 0.0) (40 . 1.0) (1 . "7") (2 . "FLOW") (70 . 0)))
 (entmake '((0 . "SEQEND")))
+(entmake '((0 . "3DFACE") (10 0.0 0.0 0.0) (11 4.0 0.0 0.5) (12 4.0 3.0 0.0) (13 0.0 3.0 0.0) (70 . 5)))
 LISP
 "$TESSARY_WINE" "$TESSARY_BIN/drafthost.exe" run --module "$TESSARY_BIN/Tessary2010x64.arx" --save leaders.dxf leaders.lsp
 files+=(leaders.dxf)
