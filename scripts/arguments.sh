@@ -43,7 +43,7 @@ output_file() {
 # parse_run_option NAME [FILE]: one option, appended to HOST_ARGUMENTS.
 parse_run_option() {
     case $1 in
-    --open | --answers | --save | --picture | --export)
+    --open | --answers | --save | --picture | --shaded | --export)
         [ $# -ge 2 ] || fail "$STATUS_USAGE" "$1 needs a file name"
         ;;
     --support)
@@ -55,6 +55,12 @@ parse_run_option() {
         HOST_ARGUMENTS+=("$1" "$2")
         return
         ;;
+    --view-from)
+        # The host knows what numbers are; the pictures that it is for stand behind it.
+        [[ $# -ge 2 && $2 == *,*,* ]] || fail "$STATUS_USAGE" "$1 needs three numbers X,Y,Z"
+        HOST_ARGUMENTS+=("$1" "$2")
+        return
+        ;;
     *) fail "$STATUS_USAGE" "unknown option $1" "./tessary help lists the options" ;;
     esac
     case $1 in
@@ -62,7 +68,8 @@ parse_run_option() {
     --support) readable_folder "$2" ;;
     --save) output_file "$2" .dxf ;;
     --picture) output_file "$2" .png .svg ;;
-    --export) output_file "$2" .stl .obj ;;
+    --shaded) output_file "$2" .png ;;
+    --export) output_file "$2" .stl .obj .csv ;;
     esac
     HOST_ARGUMENTS+=("$1" "$WINDOWS_PATH")
 }
@@ -85,7 +92,7 @@ parse_run_arguments() {
             shift
         fi
     done
-    if [ "${#programs[@]}" = 0 ] && [[ " ${HOST_ARGUMENTS[*]} " != *\ --@(save|picture|export)\ * ]]; then
+    if [ "${#programs[@]}" = 0 ] && [[ " ${HOST_ARGUMENTS[*]} " != *\ --@(save|picture|shaded|export)\ * ]]; then
         fail "$STATUS_USAGE" "no program to run" "./tessary run [options] PROGRAM.lsp ..."
     fi
     HOST_ARGUMENTS+=("${programs[@]}")

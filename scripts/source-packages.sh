@@ -102,3 +102,58 @@ ensure_libdxfrw() {
     printf '%s\n' "$key" >"$install.new/version"
     mv "$install.new" "$install"
 }
+
+# build_autotools NAME TITLE OPTION...: configures a fetched source for the target, builds it as a static library and
+# installs it in build/third_party/NAME.
+build_autotools() {
+    local name=$1 title=$2 install="$THIRD_PARTY/$1" work="$THIRD_PARTY/$1-build" sources
+    shift 2
+    sources=("$THIRD_PARTY/$name-source"/*/)
+    rm -rf "$work" "$install"
+    mkdir -p "$work"
+    (cd "$work" && logged "configure-$name" "${sources[0]}configure" --host=x86_64-w64-mingw32 \
+        --disable-shared --enable-static --prefix="$install" CFLAGS='-O2 -w' CC=x86_64-w64-mingw32-gcc-posix "$@") ||
+        fail "$STATUS_SETUP" "$title could not be configured" "remove build/third_party and try again"
+    logged "build-$name" make -C "$work" -j "$(nproc)" install ||
+        fail "$STATUS_SETUP" "$title could not be built" "remove build/third_party and try again"
+    rm -rf "$work" "$THIRD_PARTY/$name-source"
+}
+
+# ensure_gmp: GMP's integers and rationals in build/third_party/gmp.
+ensure_gmp() {
+    local version=${SOURCE_VERSIONS[gmp]} install="$THIRD_PARTY/gmp"
+    [ "$(cat "$install/version" 2>/dev/null)" != "$version" ] || return 0
+    say "[2/4] GMP ${version#*:} for the target (about 40 seconds)"
+    fetch_source gmp
+    local sources=("$THIRD_PARTY"/gmp-source/gmp-*/)
+    # Debian leaves out the manual, whose folder configure and make want.
+    [ -f "${sources[0]}/doc/Makefile.in" ] ||
+        { mkdir -p "${sources[0]}/doc" && printf 'all install:\n' >"${sources[0]}/doc/Makefile.in"; }
+    build_autotools gmp GMP CC_FOR_BUILD=gcc
+    printf '%s\n' "$version" >"$install/version"
+}
+
+# ensure_mpfr: MPFR's floating-point numbers of any precision, over GMP, in build/third_party/mpfr4.
+ensure_mpfr() {
+    local version=${SOURCE_VERSIONS[mpfr4]} install="$THIRD_PARTY/mpfr4" key
+    ensure_gmp
+    key="$version, GMP ${SOURCE_VERSIONS[gmp]}"
+    [ "$(cat "$install/version" 2>/dev/null)" != "$key" ] || return 0
+    say "[2/4] MPFR $version for the target (about 20 seconds)"
+    fetch_source mpfr4
+    build_autotools mpfr4 MPFR --with-gmp="$THIRD_PARTY/gmp"
+    printf '%s\n' "$key" >"$install/version"
+}
+
+# ensure_cgal: CGAL and the parts of Boost that it needs are headers only and the same for every target: those of the
+# system's packages, through an include folder of their own, since the rest of /usr/include is not the target's.
+ensure_cgal() {
+    local include="$THIRD_PARTY/cgal/include" library
+    ensure_mpfr
+    mkdir -p "$include"
+    for library in CGAL boost; do
+        [ -d "/usr/include/$library" ] ||
+            fail "$STATUS_SETUP" "/usr/include/$library is missing" "reinstall it: apt-get install --reinstall libcgal-dev libboost-dev"
+        [ -e "$include/$library" ] || ln -sfn "/usr/include/$library" "$include/$library"
+    done
+}

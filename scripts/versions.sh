@@ -3,16 +3,18 @@
 
 # Debian packages: what building and running needs, and what the tests, the demo and the benchmarks need besides.
 PACKAGES_RUN=(
-    ccache cmake dpkg-dev fonts-liberation fonts-wine g++ g++-mingw-w64-x86-64-posix libgnutls30 libwine libwine-dev make
-    mingw-w64-tools ninja-build tcl wine wine64
+    ccache cmake dpkg-dev fonts-liberation fonts-wine g++ g++-mingw-w64-x86-64-posix libboost-dev libcgal-dev libgnutls30
+    libwine libwine-dev m4 make mingw-w64-tools ninja-build tcl wine wine64
 )
-PACKAGES_TEST=(googletest librecad-data python3 python3-ezdxf python3-pil)
+PACKAGES_TEST=(admesh googletest librecad-data python3 python3-ezdxf python3-pil)
 PACKAGES_DEMO=(librecad-data)
 PACKAGES_BENCH=(newlisp)
 
 # Source packages of Debian 12, built for the target in build/third_party.
 declare -A SOURCE_VERSIONS=(
     [benchmark]=1.7.1-1
+    [gmp]=2:6.2.1+dfsg1-1.1
     [librecad]=2.2.0-1
+    [mpfr4]=4.2.0-1
     [sqlite3]=3.40.1-2+deb12u2
 )

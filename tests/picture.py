@@ -4,7 +4,8 @@
     picture.py [--update] NAME.lsp...
 
 The host runs NAME.lsp with the add-in loaded, in an empty folder of its own, and writes a picture of the drawing, 400
-pixels at its longest side; NAME.png must look like it. A picture that does not is left in the folder `picture-failures`
+pixels at its longest side; NAME.png must look like it. A program whose first line is `;;; shaded from X,Y,Z` has a shaded
+picture from that side instead of a plan. A picture that does not is left in the folder `picture-failures`
 of the current one, with NAME-difference.png, where the pixels that differ are white on the faded one that was expected.
 --update keeps the new picture instead: look at it first.
 
@@ -18,6 +19,7 @@ Exit status: 0 when all look alike, 1 when one does not or a program failed, 2 f
 import argparse
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -62,6 +64,12 @@ def compare(wanted, got):
     return f"{count} pixels differ, in the box {mask.getbbox()}", mask
 
 
+def picture_options(program, target):
+    first = program.read_text(encoding="utf-8").partition("\n")[0]
+    view = re.fullmatch(r";;; shaded from (\S+)", first)
+    return ["--view-from", view[1], "--shaded", target] if view else ["--picture", target]
+
+
 def draw(program):
     """The picture that the program draws, as a file's bytes."""
     binaries = pathlib.Path(os.environ["TESSARY_BIN"])
@@ -69,7 +77,7 @@ def draw(program):
         target = pathlib.Path(folder, "drawn.png")
         command = [os.environ["TESSARY_WINE"], str(binaries / "drafthost.exe"), "run",
                    "--module", windows_path(binaries / "Tessary2010x64.arx"), "--support", windows_path(program.parent),
-                   "--picture", windows_path(target), "--picture-size", str(SIZE), windows_path(program)]
+                   *picture_options(program, windows_path(target)), "--picture-size", str(SIZE), windows_path(program)]
         # Files, not pipes: services that Wine starts would hold a pipe open after the host has ended.
         with tempfile.TemporaryFile() as output:
             status = subprocess.run(command, cwd=folder, stdin=subprocess.DEVNULL, stdout=output, stderr=output,

@@ -1,11 +1,13 @@
 // A small module for benchmarks: the bare work that the add-in's functions stand on, called from C++, and a
-// clock. Its times are the baselines of bench/module_calls.lsp, bench/database_calls.lsp and
-// bench/leaders.lsp, taken in the same process.
+// clock. Its times are the baselines of bench/module_calls.lsp, bench/database_calls.lsp,
+// bench/leaders.lsp and bench/duct_fittings.lsp, taken in the same process.
 
 #include "bench/module/bare_entities.h"
 #include "bench/module/bare_records.h"
 
 #include <windows.h>
+
+#include <psapi.h>
 
 #include "host/api/curves.h"
 #include "host/api/documents.h"
@@ -35,6 +37,14 @@ int timed(Work work) {
 // (bench-clock) -> seconds
 int clockFunction() {
     acedRetReal(secondsNow());
+    return RSRSLT;
+}
+
+// (bench-memory) -> bytes of memory that the process has of its own
+int memoryFunction() {
+    PROCESS_MEMORY_COUNTERS counters{};
+    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+    acedRetReal(static_cast<double>(counters.PagefileUsage));
     return RSRSLT;
 }
 
@@ -73,6 +83,7 @@ void registerFunctions() {
         int (*function)();
     };
     constexpr Entry kEntries[] = {{L"bench-clock", clockFunction},
+                                  {L"bench-memory", memoryFunction},
                                   {L"bench-bare-length", bareLength},
                                   {L"bench-bare-intersection", bareIntersection},
                                   {L"bench-bare-records", bareRecords},

@@ -102,9 +102,10 @@ std::int32_t GraphicsRecorder::lookNumber() {
 }
 
 template <class Shape>
-void GraphicsRecorder::add(Shape shape) {
+void GraphicsRecorder::add(Shape shape, std::size_t count) {
     if (!full())
         pieces_.push_back({lookNumber(), std::move(shape)});
+    count_ += count;
 }
 
 bool GraphicsRecorder::polyline(std::uint32_t count, const AcGePoint3d* points, const AcGeVector3d*,
@@ -126,6 +127,25 @@ bool GraphicsRecorder::polyPolygon(std::uint32_t contourCount, const std::uint32
         area.counts.push_back(static_cast<std::int32_t>(counts[i]));
     area.points = transformed(transform_, total, points);
     add(std::move(area));
+    return false;
+}
+
+// A shell for which there is no room left is left out whole: a part of it would enclose nothing.
+bool GraphicsRecorder::shell(std::uint32_t pointCount, const AcGePoint3d* points, std::uint32_t faceListSize,
+                             const std::int32_t* faceList, const AcGiEdgeData* edges,
+                             const AcGiFaceData* faces) {
+    Shell shell = readShell(pointCount, points, faceListSize, faceList, edges, faces);
+    if (shell.empty())
+        return false;
+    const std::size_t count = shell.faces.size();
+    if (count > kMostPieces - std::min(count_, kMostPieces)) {
+        count_ += count;
+        return false;
+    }
+    transformShell(shell, transform_);
+    if (transform_.det() < 0)
+        turnOver(shell);
+    add(std::move(shell), count);
     return false;
 }
 

@@ -25,6 +25,8 @@ public:
     bool polygon(std::uint32_t count, const AcGePoint3d* points) override;
     bool polyPolygon(std::uint32_t contourCount, const std::uint32_t* counts,
                      const AcGePoint3d* points) override;
+    bool shell(std::uint32_t pointCount, const AcGePoint3d* points, std::uint32_t faceListSize,
+               const std::int32_t* faceList, const AcGiEdgeData* edges, const AcGiFaceData* faces) override;
     bool circle(const AcGePoint3d& center, double radius, const AcGeVector3d& normal) override;
     bool circularArc(const AcGePoint3d& center, double radius, const AcGeVector3d& normal,
                      const AcGeVector3d& startDirection, double sweepAngle) override;
@@ -50,9 +52,10 @@ public:
     void setFill(bool filled) override { traits_.fill = filled; }
 
 private:
-    // Blocks in blocks multiply: a picture of 2 to the power of 64 pieces ends before.
+    // Blocks in blocks multiply: a picture of 2 to the power of 64 pieces ends before. Each face of a shell
+    // counts as a piece.
     static constexpr std::size_t kMostPieces = 100000;
-    bool full() const { return pieces_.size() >= kMostPieces; }
+    bool full() const { return count_ >= kMostPieces; }
 
     struct Traits {
         AcDbObjectId layer, linetype;
@@ -69,7 +72,7 @@ private:
     std::int32_t lookNumber();
     void drawEntity(AcDbEntity& entity);
     template <class Shape>
-    void add(Shape shape);
+    void add(Shape shape, std::size_t count = 1);
 
     const AcDbDatabase* database_;
     double deviation_;
@@ -77,6 +80,7 @@ private:
     Traits traits_;  // at present
     Traits block_;   // resolved, of the block reference whose contents are drawn
     int depth_ = 0, blockDepth_ = 0;
+    std::size_t count_ = 0;
     AcGeMatrix3d transform_;
     std::vector<AcGeMatrix3d> transforms_;
     std::vector<ProxyGraphics::Look> looks_;

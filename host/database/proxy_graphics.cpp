@@ -53,6 +53,10 @@ void drawShape(AcGiWorldGeometry& geometry, const Graphics::Text& text) {
                   static_cast<int>(text.text.size()), style);
 }
 
+void drawShape(AcGiWorldGeometry& geometry, const Shell& shell) {
+    drawShell(geometry, shell);
+}
+
 void walkPoints(StateWalker& walker, std::vector<AcGePoint3d>& points) {
     walker.list(points, [&](AcGePoint3d& point) { walker.value(point); });
 }
@@ -84,6 +88,37 @@ void walk(StateWalker& walker, Graphics::Text& text) {
                   style.italic, style.backward, style.upsideDown, style.underlined, style.overlined);
 }
 
+// A record that is damaged must not name what is not there.
+bool isSound(const Shell& shell) {
+    if (shell.cornerVisible.size() != shell.corners.size())
+        return false;
+    const auto namesPoint = [&](std::int32_t corner) {
+        return corner >= 0 && static_cast<std::size_t>(corner) < shell.points.size();
+    };
+    const auto namesCorners = [&](const Shell::Face& face) {
+        return face.count >= 3 && face.first <= shell.corners.size() &&
+               face.count <= shell.corners.size() - face.first;
+    };
+    return std::ranges::all_of(shell.corners, namesPoint) && std::ranges::all_of(shell.faces, namesCorners);
+}
+
+// Faces follow each other in the list of corners, so that their counts say where they are.
+void walk(StateWalker& walker, Shell& shell) {
+    walkPoints(walker, shell.points);
+    walker.list(shell.corners, [&](std::int32_t& corner) { walker.value(corner); });
+    walker.value(shell.cornerVisible);
+    std::uint32_t first = 0;
+    walker.list(shell.faces, [&](Shell::Face& face) {
+        auto count = static_cast<std::int32_t>(face.count);
+        walker.values(count, face.shown);
+        face.first = first;
+        face.count = static_cast<std::uint32_t>(std::max(count, 0));
+        first += face.count;
+    });
+    if (!isSound(shell))
+        shell = Shell();
+}
+
 // The kinds of pieces are filed as numbers: new kinds go to the end.
 template <std::size_t Kind>
 void walkAs(StateWalker& walker, Graphics::Piece& piece) {
@@ -101,6 +136,7 @@ void walk(StateWalker& walker, Graphics::Piece& piece, std::size_t lookCount) {
         case 1: walkAs<1>(walker, piece); break;
         case 2: walkAs<2>(walker, piece); break;
         case 3: walkAs<3>(walker, piece); break;
+        case 4: walkAs<4>(walker, piece); break;
         default: walkAs<0>(walker, piece);
     }
 }
@@ -129,14 +165,27 @@ ProxyGraphics ProxyGraphics::of(AcDbObjectId id) {
     return graphics;
 }
 
-void ProxyGraphics::draw(AcGiWorldDraw& worldDraw, const AcDbEntity& owner) const {
+bool ProxyGraphics::draw(AcGiWorldDraw& worldDraw, const AcDbEntity& owner) const {
     AcGiSubEntityTraits& traits = worldDraw.subEntityTraits();
     std::int32_t look = -1;
+    bool complete = true;
     for (const Piece& piece : pieces_) {
         if (piece.look != look)
             setLook(traits, looks_[static_cast<std::size_t>(piece.look)], owner);
         look = piece.look;
         std::visit([&](const auto& shape) { drawShape(worldDraw.geometry(), shape); }, piece.shape);
+        complete = complete && !std::holds_alternative<Shell>(piece.shape);
+    }
+    return complete;
+}
+
+void ProxyGraphics::drawForView(AcGiViewportDraw& viewportDraw, const AcDbEntity& owner) const {
+    for (const Piece& piece : pieces_) {
+        const auto* const shell = std::get_if<Shell>(&piece.shape);
+        if (!shell)
+            continue;
+        setLook(viewportDraw.subEntityTraits(), looks_[static_cast<std::size_t>(piece.look)], owner);
+        drawSilhouette(viewportDraw.geometry(), *shell, viewportDraw.viewport().viewDir());
     }
 }
 
@@ -157,8 +206,11 @@ using drafthost::readState;
 using drafthost::UnknownEntityState;
 
 bool AcDbUnknownEntity::subWorldDraw(AcGiWorldDraw* worldDraw) {
-    readState<UnknownEntityState>(this).graphics.draw(*worldDraw, *this);
-    return true;
+    return readState<UnknownEntityState>(this).graphics.draw(*worldDraw, *this);
+}
+
+void AcDbUnknownEntity::subViewportDraw(AcGiViewportDraw* viewportDraw) {
+    readState<UnknownEntityState>(this).graphics.drawForView(*viewportDraw, *this);
 }
 
 Acad::ErrorStatus AcDbUnknownEntity::subGetGeomExtents(AcDbExtents& extents) const {

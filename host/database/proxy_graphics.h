@@ -13,6 +13,7 @@
 
 #include "host/api/entity.h"
 #include "host/database/state_filing.h"
+#include "host/geometry/shell.h"
 
 namespace drafthost {
 
@@ -22,8 +23,10 @@ public:
     static ProxyGraphics of(AcDbObjectId entity);
 
     bool empty() const { return pieces_.empty(); }
-    // owner: the proxy.
-    void draw(AcGiWorldDraw& worldDraw, const AcDbEntity& owner) const;
+    // owner: the proxy. False: drawForView has something to add.
+    bool draw(AcGiWorldDraw& worldDraw, const AcDbEntity& owner) const;
+    // The silhouettes of its curved surfaces. What else the entity drew for views is not kept.
+    void drawForView(AcGiViewportDraw& viewportDraw, const AcDbEntity& owner) const;
     // The entity's at the time, as far as it had any.
     const AcDbExtents& extents() const { return extents_; }
     void file(StateWalker& walker);
@@ -61,7 +64,7 @@ public:
     };
     struct Piece {
         std::int32_t look = 0;  // number in the list of looks
-        std::variant<Line, Area, Arc, Text> shape;
+        std::variant<Line, Area, Arc, Text, Shell> shape;
     };
 
 private:

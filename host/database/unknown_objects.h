@@ -53,6 +53,7 @@ public:
 
 protected:
     bool subWorldDraw(AcGiWorldDraw* worldDraw) override;
+    void subViewportDraw(AcGiViewportDraw* viewportDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
 };

@@ -14,6 +14,7 @@
 #include "host/editor/commands.h"
 #include "host/editor/terminal_input.h"
 #include "host/graphics/picture.h"
+#include "host/graphics/solid_export.h"
 #include "host/lisp/utf8.h"
 
 namespace drafthost {
@@ -285,8 +286,17 @@ private:
             if (!graphics::writePicture(database, fullPath(picture), problem, size))
                 good = fail(problem);
         }
-        if (!options_.exportFile.empty())
-            good = fail(L"--export: this version has no solids to export.");
+        for (const ShadedPicture& picture : options_.shadedPictures) {
+            std::wstring problem;
+            if (!graphics::writeShadedPicture(database, picture.towardsEye, fullPath(picture.path), problem,
+                                              size))
+                good = fail(problem);
+        }
+        for (const std::wstring& file : options_.exports) {
+            std::wstring problem;
+            if (!graphics::writeSolids(database, fullPath(file), problem))
+                good = fail(problem);
+        }
         return good;
     }
 

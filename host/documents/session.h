@@ -5,17 +5,24 @@
 #include <string>
 #include <vector>
 
-#include "host/api/types.h"
+#include "host/api/geometry.h"
 
 namespace drafthost {
+
+// A shaded picture to be written.
+struct ShadedPicture {
+    std::wstring path;
+    AcGeVector3d towardsEye;
+};
 
 struct SessionOptions {
     bool interactive = false;  // repl
     bool echo = false;         // repl: print what is read from standard input
     bool verbose = false;
-    std::vector<std::wstring> modules, supportFolders, pictures, programs;
-    std::wstring open, answers, save, exportFile;  // empty: none
-    int pictureSize = 0;                           // pixels of the longest side; 0: as usual
+    std::vector<std::wstring> modules, supportFolders, pictures, exports, programs;
+    std::vector<ShadedPicture> shadedPictures;
+    std::wstring open, answers, save;  // empty: none
+    int pictureSize = 0;               // pixels of the longest side; 0: as usual
 };
 
 // False for unusable arguments, for the reason in problem. arguments: without the program's name.

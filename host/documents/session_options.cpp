@@ -1,4 +1,7 @@
 #include <algorithm>
+#include <cmath>
+#include <locale>
+#include <sstream>
 
 #include "host/database/names.h"
 #include "host/documents/session.h"
@@ -14,8 +17,12 @@ const wchar_t* const kUsage =
     L"  --answers FILE    answers for prompts, picks and message boxes\n"
     L"  --save FILE       writes the drawing as DXF afterwards\n"
     L"  --picture FILE    writes a picture, .png or .svg, afterwards; may be given several times\n"
+    L"  --shaded FILE     writes a shaded picture, .png, afterwards; may be given several times\n"
+    L"  --view-from X,Y,Z direction towards the eye for the shaded pictures behind it; otherwise -1,-1,1\n"
     L"  --picture-size N  pixels of the pictures' longest side, 16 to 10000; otherwise 1600\n"
-    L"  --export FILE     writes the drawing's solids, .stl or .obj, afterwards\n"
+    L"  --export FILE     writes the drawing's solids, .stl or .obj, or a list of them, .csv, afterwards; "
+    L"may\n"
+    L"                    be given several times\n"
     L"  --support DIR     a folder to search for files; may be given several times\n"
     L"  --echo on|off     repl: prints what is read from standard input (off unless given)\n"
     L"  --verbose         reports message boxes and the like on standard error\n"
@@ -36,7 +43,7 @@ constexpr FileOption kFileOptions[] = {
     {L"--answers", &SessionOptions::answers, nullptr},
     {L"--save", &SessionOptions::save, nullptr},
     {L"--picture", nullptr, &SessionOptions::pictures},
-    {L"--export", &SessionOptions::exportFile, nullptr},
+    {L"--export", nullptr, &SessionOptions::exports},
     {L"--support", nullptr, &SessionOptions::supportFolders},
 };
 
@@ -54,15 +61,39 @@ bool readSize(const std::wstring& text, int& size) {
     return size >= graphics::kSmallestPicture && size <= graphics::kLargestPicture;
 }
 
+// Three numbers with commas between them, not all of them zero.
+bool readDirection(const std::wstring& text, AcGeVector3d& direction) {
+    std::wistringstream stream(text);
+    stream.imbue(std::locale::classic());
+    wchar_t comma1 = 0, comma2 = 0;
+    stream >> direction.x >> comma1 >> direction.y >> comma2 >> direction.z;
+    const bool complete =
+        stream && stream.peek() == std::char_traits<wchar_t>::eof() && comma1 == L',' && comma2 == L',';
+    const double length = direction.length();
+    if (!complete || !std::isfinite(length) || !(length > 0))
+        return false;
+    direction = direction / length;
+    return std::isfinite(direction.length()) && direction.length() > 0.5;
+}
+
 std::wstring checkTogether(const SessionOptions& options) {
     for (const std::wstring& picture : options.pictures) {
         if (!hasExtension(picture, {L".png", L".svg"}))
             return L"--picture " + picture + L": the name must end in .png or .svg";
     }
+    for (const ShadedPicture& picture : options.shadedPictures) {
+        if (!hasExtension(picture.path, {L".png"}))
+            return L"--shaded " + picture.path + L": the name must end in .png";
+    }
+    for (const std::wstring& file : options.exports) {
+        if (!hasExtension(file, {L".stl", L".obj", L".csv"}))
+            return L"--export " + file + L": the name must end in .stl, .obj or .csv";
+    }
     if (!options.save.empty() && !hasExtension(options.save, {L".dxf"})) {
         return L"--save " + options.save + L": the name must end in .dxf";
     }
-    const bool writes = !options.save.empty() || !options.pictures.empty() || !options.exportFile.empty();
+    const bool writes = !options.save.empty() || !options.pictures.empty() ||
+                        !options.shadedPictures.empty() || !options.exports.empty();
     if (!options.interactive && options.programs.empty() && !writes)
         return L"no program to run";
     return {};
@@ -81,6 +112,8 @@ bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& 
     if (arguments[0] != L"run" && arguments[0] != L"repl")
         return fail(L"unknown verb " + arguments[0]);
     options.interactive = arguments[0] == L"repl";
+    AcGeVector3d viewFrom = graphics::kShadedFrom;
+    bool viewUsed = true;  // some picture is behind the last --view-from
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         const std::wstring& argument = arguments[i];
         if (!argument.starts_with(L"--")) {
@@ -95,6 +128,19 @@ bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& 
         if (argument == L"--picture-size") {
             if (last || !readSize(arguments[++i], options.pictureSize))
                 return fail(L"--picture-size needs a number from 16 to 10000");
+            continue;
+        }
+        if (argument == L"--view-from") {
+            if (last || !readDirection(arguments[++i], viewFrom))
+                return fail(L"--view-from needs three numbers X,Y,Z, not all of them 0");
+            viewUsed = false;
+            continue;
+        }
+        if (argument == L"--shaded") {
+            if (last || arguments[i + 1].empty())
+                return fail(L"--shaded needs a name");
+            options.shadedPictures.push_back({arguments[++i], viewFrom});
+            viewUsed = true;
             continue;
         }
         if (argument == L"--echo") {
@@ -118,6 +164,8 @@ bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& 
             options.*option->one = value;
         }
     }
+    if (!viewUsed)
+        return fail(L"--view-from stands before the --shaded that it is for");
     problem = checkTogether(options);
     return problem.empty();
 }

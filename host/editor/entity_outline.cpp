@@ -9,7 +9,9 @@
 #include "host/api/block_reference.h"
 #include "host/api/database.h"
 #include "host/database/nesting.h"
+#include "host/geometry/shell.h"
 #include "host/graphics/layer_looks.h"
+#include "host/graphics/view_draw.h"
 
 namespace drafthost::editor {
 
@@ -45,6 +47,13 @@ public:
             polygon(counts[i], points);
         return false;
     }
+    // Picked by its edges, not inside of its faces.
+    bool shell(std::uint32_t pointCount, const AcGePoint3d* points, std::uint32_t faceListSize,
+               const std::int32_t* faceList, const AcGiEdgeData* edges, const AcGiFaceData* faces) override {
+        if (!hidden())
+            drawEdges(*this, readShell(pointCount, points, faceListSize, faceList, edges, faces));
+        return false;
+    }
     bool circle(const AcGePoint3d& center, double radius, const AcGeVector3d& normal) override {
         return circularArc(center, radius, normal, normal.perpVector(), 2 * std::numbers::pi);
     }
@@ -72,18 +81,18 @@ public:
     }
     bool draw(AcGiDrawable* drawable) override {
         if (!drawable || depth_ >= kDeepestNesting)
-            return false;
+            return true;
         const AcDbObjectId layer = layer_, blockLayer = blockLayer_;
         ++depth_;
         AcDbEntity* const entity = AcDbEntity::cast(drawable);
         if (!entity || enter(*entity)) {
             if (!entity || !addBox(*entity))
-                drawable->worldDraw(this);
+                drawWhole(*drawable);
         }
         --depth_;
         layer_ = layer;
         blockLayer_ = blockLayer;
-        return false;
+        return true;
     }
     void pushModelTransform(const AcGeMatrix3d& matrix) override {
         transforms_.push_back(transform_);
@@ -118,6 +127,16 @@ private:
         for (std::uint32_t i = 0; i < count; ++i)
             line.push_back((transform_ * points[i]).convert2d());
         return line;
+    }
+
+    // Everything is seen from above.
+    void drawWhole(AcGiDrawable& drawable) {
+        const AcDbObjectId layer = layer_;
+        const AcGeMatrix3d transform = transform_;
+        if (drawable.worldDraw(this))
+            return;
+        layer_ = layer;
+        graphics::drawForView(drawable, *this, transform, AcGeVector3d::kZAxis);
     }
 
     // The layer that what is drawn now lies on: layer "0" of a block is its reference's.

@@ -1,90 +1,20 @@
 #include "host/graphics/display_builder.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cwchar>
 #include <numbers>
 
-#include "host/database/nesting.h"
+#include "host/geometry/shell.h"
 #include "host/text/outlines.h"
 
 namespace drafthost::graphics {
 
-namespace {
-
-constexpr double kDefaultWeight = 25;  // hundredths of a millimetre
-constexpr double kDeviationOfExtents = 1.0 / 20000;
-
-}  // namespace
-
 DisplayBuilder::DisplayBuilder(const AcDbDatabase& database, double deviation)
-    : database_(database), deviation_(deviation) {
-    block_.layer = database.layerZero();
-    traits_.layer = block_.layer;
-}
-
-void DisplayBuilder::setColor(std::uint16_t index) {
-    traits_.color = index;
-    traits_.trueColor = -1;
-    traits_.background = false;
-}
-
-AcDbObjectId DisplayBuilder::effectiveLayer() const {
-    return traits_.layer.isNull() || traits_.layer == database_.layerZero() ? block_.layer : traits_.layer;
-}
-
-Rgb DisplayBuilder::effectiveColor() {
-    if (traits_.background)
-        return kBackground;
-    if (traits_.trueColor >= 0)
-        return rgbOf(static_cast<std::uint32_t>(traits_.trueColor));
-    if (traits_.color == 0)
-        return block_.color;
-    return traits_.color == 256 ? layerLook().color : colorOfIndex(traits_.color);
-}
-
-AcDbObjectId DisplayBuilder::effectiveLinetype() {
-    if (traits_.linetype == database_.byBlockLinetype())
-        return block_.linetype;
-    if (traits_.linetype.isNull() || traits_.linetype == database_.byLayerLinetype()) {
-        return layerLook().linetype;
-    }
-    return traits_.linetype;
-}
-
-int DisplayBuilder::effectiveWeight() {
-    if (traits_.lineWeight == AcDb::kLnWtByBlock)
-        return block_.lineWeight;
-    return traits_.lineWeight == AcDb::kLnWtByLayer ? layerLook().lineWeight : traits_.lineWeight;
-}
-
-const std::vector<double>& DisplayBuilder::pattern(AcDbObjectId linetype) {
-    const auto [found, isNew] = patterns_.try_emplace(linetype);
-    if (isNew) {
-        const AcDbObjectPointer<AcDbLinetypeTableRecord> record(linetype, AcDb::kForRead);
-        for (int i = 0; record && i < record->numDashes(); ++i)
-            found->second.push_back(record->dashLengthAt(i));
-    }
-    return found->second;
-}
-
-std::vector<double> DisplayBuilder::currentPattern() {
-    const AcDbObjectId linetype = effectiveLinetype();
-    if (linetype.isNull())
-        return {};
-    std::vector<double> scaled = pattern(linetype);
-    const double scale = database_.ltscale() * traits_.linetypeScale;
-    for (double& element : scaled)
-        element *= scale;
-    return scaled;
-}
+    : ResolvingDraw(database, deviation, AcGeVector3d::kZAxis) {}
 
 template <class Shape>
 void DisplayBuilder::add(Shape shape) {
-    const int weight = effectiveWeight();
-    list_.items.push_back({effectiveColor(),
-                           static_cast<float>((weight >= 0 ? weight : kDefaultWeight) / 100.0),
-                           std::move(shape)});
+    list_.items.push_back({effectiveColor(), effectiveMillimetres(), std::move(shape)});
 }
 
 void DisplayBuilder::addLine(Polyline2d line) {
@@ -107,7 +37,7 @@ bool DisplayBuilder::polyline(std::uint32_t count, const AcGePoint3d* points, co
 }
 
 bool DisplayBuilder::polygon(std::uint32_t count, const AcGePoint3d* points) {
-    if (traits_.fill)
+    if (fills())
         return polyPolygon(1, &count, points);
     if (count == 0)
         return false;
@@ -130,6 +60,14 @@ bool DisplayBuilder::polyPolygon(std::uint32_t contourCount, const std::uint32_t
     return false;
 }
 
+bool DisplayBuilder::shell(std::uint32_t pointCount, const AcGePoint3d* points, std::uint32_t faceListSize,
+                           const std::int32_t* faceList, const AcGiEdgeData* edges,
+                           const AcGiFaceData* faces) {
+    if (!hidden())
+        drawEdges(*this, readShell(pointCount, points, faceListSize, faceList, edges, faces));
+    return false;
+}
+
 bool DisplayBuilder::circle(const AcGePoint3d& center, double radius, const AcGeVector3d& normal) {
     return addArc(center, radius, normal, normal.perpVector(), 2 * std::numbers::pi);
 }
@@ -146,8 +84,8 @@ bool DisplayBuilder::addArc(const AcGePoint3d& center, double radius, const AcGe
         return false;
     const AcGeVector3d along = start.normal();
     const AcGeVector3d across = normal.normal().crossProduct(along);
-    const AcGeVector2d planAlong = (transform_ * (along * radius)).convert2d();
-    const AcGeVector2d planAcross = (transform_ * (across * radius)).convert2d();
+    const AcGeVector2d planAlong = (transform() * (along * radius)).convert2d();
+    const AcGeVector2d planAcross = (transform() * (across * radius)).convert2d();
     const AcGePoint2d planCenter = toPlan(center);
     const double planRadius = planAlong.length();
     const bool circular = planRadius > 0 &&
@@ -162,7 +100,7 @@ bool DisplayBuilder::addArc(const AcGePoint3d& center, double radius, const AcGe
             add(piece);
         return false;
     }
-    const int chords = chordCount(radius, sweep, deviation_);
+    const int chords = chordCount(radius, sweep, deviation());
     Polyline2d line;
     for (int i = 0; i <= chords; ++i) {
         const double angle = sweep * i / chords;
@@ -203,84 +141,9 @@ bool DisplayBuilder::text(const AcGePoint3d& position, const AcGeVector3d& norma
     return false;
 }
 
-// An entity outside the drawing, which another one draws as a part of itself, lies on the layer that the
-// drawing entity has chosen unless it has one of its own.
-void DisplayBuilder::takeTraits(const AcDbEntity& entity) {
-    const AcDbObjectId chosen = traits_.layer;
-    const bool isResident = !entity.objectId().isNull();
-    traits_ = Traits{};
-    traits_.layer = entity.layerId();
-    if (traits_.layer.isNull() && !isResident)
-        traits_.layer = chosen;
-    traits_.linetype = entity.linetypeId();
-    traits_.linetypeScale = entity.linetypeScale();
-    traits_.trueColor = entity.trueColor();
-    traits_.lineWeight = entity.lineWeight();
-    traits_.color = entity.colorIndex();
-}
-
-// Everything drawn while an entity draws itself belongs to it: by-block values and layer "0" of what a block
-// reference draws in turn are its own. A frozen layer hides the entity with its contents, a layer that is off
-// hides only what is drawn on it.
-bool DisplayBuilder::drawEntity(AcDbEntity& entity) {
-    if (!entity.isVisible())
-        return true;
-    takeTraits(entity);
-    if (layerLook().frozen)
-        return true;
-    if (entity.isKindOf(AcDbBlockReference::desc()))
-        block_ = {effectiveLayer(), effectiveColor(), effectiveLinetype(), effectiveWeight()};
-    return entity.worldDraw(this);
-}
-
-// The caller goes on with the traits and the transform it had.
-bool DisplayBuilder::draw(AcGiDrawable* drawable) {
-    if (!drawable || depth_ >= kDeepestNesting)
-        return true;
-    const Traits traits = traits_;
-    const BlockLook block = block_;
-    const std::size_t transformCount = transforms_.size();
-    ++depth_;
-    AcDbEntity* const entity = AcDbEntity::cast(drawable);
-    const bool complete = entity ? drawEntity(*entity) : drawable->worldDraw(this);
-    --depth_;
-    while (transforms_.size() > transformCount)
-        popModelTransform();
-    traits_ = traits;
-    block_ = block;
-    return complete;
-}
-
-void DisplayBuilder::pushModelTransform(const AcGeMatrix3d& matrix) {
-    transforms_.push_back(transform_);
-    transform_ = transform_ * matrix;
-}
-
-void DisplayBuilder::popModelTransform() {
-    if (transforms_.empty())
-        return;
-    transform_ = transforms_.back();
-    transforms_.pop_back();
-}
-
 DisplayList buildDisplayList(const AcDbDatabase& database) {
-    const AcDbObjectPointer<AcDbBlockTableRecord> space(database.modelSpaceId(), AcDb::kForRead);
-    if (!space)
-        return {};
-    const AcArray<AcDbObjectId> ids = space->entityIds();
-    AcDbExtents extents;
-    for (const AcDbObjectId id : ids) {
-        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        if (entity)
-            entity->getGeomExtents(extents);
-    }
-    const double size = extents.isValid() ? extents.minPoint().distanceTo(extents.maxPoint()) : 1.0;
-    DisplayBuilder builder(database, std::max(size * kDeviationOfExtents, 1e-9));
-    for (const AcDbObjectId id : ids) {
-        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        if (entity)
-            builder.draw(entity.object());
-    }
+    DisplayBuilder builder(database, deviationFor(sizeOfDrawing(database)));
+    builder.drawModelSpace();
     return builder.take();
 }
 

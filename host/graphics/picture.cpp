@@ -7,6 +7,7 @@
 
 #include "host/exchange/file_replace.h"
 #include "host/graphics/display_builder.h"
+#include "host/graphics/scene_painter.h"
 
 namespace drafthost::graphics {
 
@@ -22,6 +23,17 @@ std::wstring lowerExtension(const std::filesystem::path& path) {
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
     return extension;
+}
+
+// Empty bytes: problem says already why there are none.
+bool writeBytes(const std::filesystem::path& target, const std::string& bytes, std::wstring& problem) {
+    if (bytes.empty())
+        return false;
+    const Acad::ErrorStatus status = exchange::replaceFile(target, bytes);
+    if (status == Acad::eOk)
+        return true;
+    problem = target.wstring() + L" cannot be written: " + acadErrorStatusText(status) + L".";
+    return false;
 }
 
 }  // namespace
@@ -63,15 +75,20 @@ bool writePicture(const AcDbDatabase& database, const std::wstring& path, std::w
     const DisplayList list = buildDisplayList(database);
     const PictureFrame frame = fitPicture(list.bounds(), size);
     const std::string bytes = extension == L".png" ? pngBytes(list, frame, problem) : svgText(list, frame);
-    if (bytes.empty()) {
+    return writeBytes(target, bytes, problem);
+}
+
+bool writeShadedPicture(const AcDbDatabase& database, const AcGeVector3d& towardsEye,
+                        const std::wstring& path, std::wstring& problem, int size) {
+    const std::filesystem::path target(path);
+    if (lowerExtension(target) != L".png") {
+        problem = L"shaded pictures are written as .png";
         return false;
     }
-    const Acad::ErrorStatus status = exchange::replaceFile(target, bytes);
-    if (status == Acad::eOk) {
-        return true;
-    }
-    problem = path + L" cannot be written: " + acadErrorStatusText(status) + L".";
-    return false;
+    const Scene scene = buildScene(database, towardsEye);
+    const PictureFrame frame = fitPicture(boundsInView(scene), size);
+    const std::string bytes = encodePng(frame.width, frame.height, paintScene(scene, frame), problem);
+    return writeBytes(target, bytes, problem);
 }
 
 }  // namespace drafthost::graphics

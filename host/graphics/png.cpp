@@ -98,16 +98,16 @@ HRESULT contents(IStream& stream, std::string& bytes) {
     return result;
 }
 
-HRESULT encode(const Canvas& canvas, std::string& png) {
+HRESULT encode(int columns, int rows, const std::vector<Rgb>& pixels, std::string& png) {
     const ComSession session;
     ComPointer<IWICImagingFactory> factory;
     ComPointer<IStream> stream;
     ComPointer<IWICBitmapEncoder> encoder;
     ComPointer<IWICBitmapFrameEncode> image;
-    const UINT width = static_cast<UINT>(canvas.width()), height = static_cast<UINT>(canvas.height());
+    const UINT width = static_cast<UINT>(columns), height = static_cast<UINT>(rows);
     std::vector<BYTE> bytes;
-    bytes.reserve(canvas.pixels().size() * 3);
-    for (const Rgb& pixel : canvas.pixels())
+    bytes.reserve(pixels.size() * 3);
+    for (const Rgb& pixel : pixels)
         bytes.insert(bytes.end(), {pixel.blue, pixel.green, pixel.red});
 
     HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
@@ -135,13 +135,9 @@ HRESULT encode(const Canvas& canvas, std::string& png) {
 
 }  // namespace
 
-std::string pngBytes(const DisplayList& list, const PictureFrame& frame, std::wstring& problem) {
-    Canvas canvas(frame.width, frame.height, kBackground);
-    Painter painter(canvas, frame);
-    for (const DisplayItem& item : list.items)
-        painter.paint(item);
+std::string encodePng(int width, int height, const std::vector<Rgb>& pixels, std::wstring& problem) {
     std::string png;
-    const HRESULT result = encode(canvas, png);
+    const HRESULT result = encode(width, height, pixels, png);
     if (SUCCEEDED(result)) {
         return png;
     }
@@ -149,6 +145,14 @@ std::string pngBytes(const DisplayList& list, const PictureFrame& frame, std::ws
     swprintf(text, 64, L"the PNG could not be encoded (0x%08lX)", static_cast<unsigned long>(result));
     problem = text;
     return {};
+}
+
+std::string pngBytes(const DisplayList& list, const PictureFrame& frame, std::wstring& problem) {
+    Canvas canvas(frame.width, frame.height, kBackground);
+    Painter painter(canvas, frame);
+    for (const DisplayItem& item : list.items)
+        painter.paint(item);
+    return encodePng(frame.width, frame.height, canvas.pixels(), problem);
 }
 
 }  // namespace drafthost::graphics

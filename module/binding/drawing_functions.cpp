@@ -5,6 +5,7 @@
 #include "module/drawing/multiline_text_functions.h"
 #include "module/drawing/numeric_functions.h"
 #include "module/ducts/arc_intersections.h"
+#include "module/ducts/duct_functions.h"
 #include "module/leader/leader_functions.h"
 
 #include <iterator>
@@ -95,16 +96,16 @@ constexpr FunctionEntry functions[] = {
     {L"CreateCompressedGuidString", unavailableThunk},
     {L"AcDbAnnotativeObjectPE::setAnnotative", unavailableThunk},
     {L"SetAnnoBlock", unavailableThunk},
-    {L"qn_qn-drawHanger", unavailableThunk},
-    {L"qn_qn-drawTripleCenter", unavailableThunk},
-    {L"qn_qn-getTripleCoord", unavailableThunk},
-    {L"qn_qn-drawTripleTransition", unavailableThunk},
-    {L"qn_qn-drawTripleElbow", unavailableThunk},
-    {L"qn_qn-drawTripleWye", unavailableThunk},
-    {L"qn_qn-drawTripleTakeoff", unavailableThunk},
-    {L"qn_qn-drawTripleSkin", unavailableThunk},
-    {L"qn_qn-tripleUnion", unavailableThunk},
-    {L"qn_qn-explodeSolid", unavailableThunk},
+    {L"qn_qn-drawHanger", drawingThunk<drawHanger>},
+    {L"qn_qn-drawTripleCenter", drawingThunk<drawTripleCenter>},
+    {L"qn_qn-getTripleCoord", drawingThunk<getTripleCoord>},
+    {L"qn_qn-drawTripleTransition", drawingThunk<drawTripleTransition>},
+    {L"qn_qn-drawTripleElbow", drawingThunk<drawTripleElbow>},
+    {L"qn_qn-drawTripleWye", drawingThunk<drawTripleWye>},
+    {L"qn_qn-drawTripleTakeoff", drawingThunk<drawTripleTakeoff>},
+    {L"qn_qn-drawTripleSkin", drawingThunk<drawTripleSkin>},
+    {L"qn_qn-tripleUnion", drawingThunk<tripleUnion>},
+    {L"qn_qn-explodeSolid", drawingThunk<explodeSolid>},
     {L"acedSetStatusBarProgressMeterPos", unavailableThunk},
     {L"acedSetStatusBarProgressMeter", unavailableThunk},
     {L"acedRestoreStatusBar", unavailableThunk},

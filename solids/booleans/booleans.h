@@ -1,8 +1,10 @@
 #pragma once
 
-// Exact operations on closed meshes. The results are valid meshes (solids/mesh/mesh.h); where the exact
-// result cannot be held by coordinates of double precision without crossing itself, null comes back.
-// Triangles keep the kind of those that they were cut from.
+// Exact operations on closed meshes. The results are valid meshes (solids/mesh/mesh.h). Where the exact
+// result cannot be held by coordinates of double precision without crossing or touching itself, the second
+// operand is grown, or the plane moved, by 1e-9 to 1e-7 of the body's size; null comes back when that does
+// not help, and for operands that are not closed or not finite. Coordinates that differ by rounding only
+// count as equal. Nothing is thrown. Triangles keep the kind of those that they were cut from.
 //
 // By corefinement: both surfaces are cut along their intersection with exact arithmetic, and the parts that
 // bound the result are put together (CGAL, polygon mesh processing).

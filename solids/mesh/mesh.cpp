@@ -66,9 +66,10 @@ void transform(Mesh& mesh, const AcGeMatrix3d& matrix) {
     }
 }
 
+// Edges are sorted by their points: the two directions of each stand side by side, and once.
 bool isClosed(const Mesh& mesh) {
     const auto count = static_cast<std::int32_t>(mesh.points.size());
-    std::vector<std::pair<std::int32_t, std::int32_t>> edges;
+    std::vector<std::uint64_t> edges;  // smaller index, larger index, direction
     edges.reserve(mesh.triangles.size() * 3);
     for (const Triangle& triangle : mesh.triangles) {
         for (int i = 0; i < 3; ++i) {
@@ -77,16 +78,20 @@ bool isClosed(const Mesh& mesh) {
             if (from < 0 || from >= count || from == to) {
                 return false;
             }
-            edges.emplace_back(from, to);
+            const auto low = static_cast<std::uint64_t>(std::min(from, to));
+            const auto high = static_cast<std::uint64_t>(std::max(from, to));
+            edges.push_back(low << 33 | high << 1 | (from > to ? 1 : 0));
         }
     }
     std::sort(edges.begin(), edges.end());
-    if (std::adjacent_find(edges.begin(), edges.end()) != edges.end()) {
-        return false;
+    for (std::size_t i = 0; i + 1 < edges.size(); i += 2) {
+        const bool isPair = edges[i] % 2 == 0 && edges[i + 1] == edges[i] + 1;
+        const bool isRepeated = i + 2 < edges.size() && edges[i + 2] / 2 == edges[i] / 2;
+        if (!isPair || isRepeated) {
+            return false;
+        }
     }
-    return std::all_of(edges.begin(), edges.end(), [&](const auto& edge) {
-        return std::binary_search(edges.begin(), edges.end(), std::pair(edge.second, edge.first));
-    });
+    return edges.size() % 2 == 0;
 }
 
 }  // namespace solids

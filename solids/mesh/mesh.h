@@ -16,6 +16,9 @@ enum class FaceKind : std::uint8_t {
     start = 1,  // the end that air enters by
     end = 2,    // an end that it leaves by
     other = 3,  // no sheet: the back and the rim of a skin
+    // Ends that are drawn open. The makers of bodies give start and end; the solid puts these in their places.
+    openStart = 4,
+    openEnd = 5,
 };
 
 // Indices of three points, counter-clockwise seen from outside.

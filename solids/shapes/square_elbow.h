@@ -14,9 +14,10 @@ struct SquareElbowPlan {
     BoxCorners startLeg, endLeg;     // see solids/api/hvac_solid.h
 };
 
-// start, end: the far ends of the runs. collar: straight duct at both ends beyond the mitre. Null when the
-// runs are parallel, when the sections do not match across the plane of the bend (within 1e-6 of their
-// sizes), or when a run is too short for its leg.
+// start, end: the far ends of the runs. collar: straight duct at both ends beyond the mitre. The end's frame
+// may show the section turned by quarter turns. Null when the runs are parallel or pass each other, when the
+// sections do not match across the plane of the bend (within 1e-6 of their sizes; in the plane their widths
+// may differ, but a flat oval does not match a round section), or when a run is too short for its leg.
 std::optional<SquareElbowPlan> planSquareElbow(const DuctEnd& start, const DuctEnd& end, double collar);
 // start, end: the elbow's own ends as planned; corner: as planned. Null when they do not belong together.
 std::optional<Body> makeSquareElbow(const DuctEnd& start, const DuctEnd& end, const AcGePoint3d& corner,

@@ -31,7 +31,9 @@ rejects 'no readable file missing.dxf' run --open missing.dxf program.lsp
 rejects 'no readable file -odd.lsp' run -- -odd.lsp
 rejects 'must end in .dxf' run --save drawing.dwg program.lsp
 rejects 'must end in .png .svg' run --picture drawing.gif program.lsp
-rejects 'must end in .stl .obj' run --export drawing.step program.lsp
+rejects 'must end in .stl .obj .csv' run --export drawing.step program.lsp
+rejects 'must end in .png' run --shaded drawing.svg program.lsp
+rejects 'needs three numbers' run --view-from up --shaded drawing.png program.lsp
 rejects 'is a folder' run --save folder.dxf program.lsp
 rejects 'folder of missing/a.png does not exist' run --picture missing/a.png program.lsp
 rejects 'needs a folder' run program.lsp --support

@@ -52,8 +52,18 @@ check 'a folder in the place of the drawing' 1 $? err 'taken.dxf'
 host run --save nowhere/a.dxf line.lsp
 check 'a folder that does not exist' 1 $? err 'nowhere'
 
-host run --export a.stl line.lsp
-check 'exporting' 1 $? err 'no solids'
+for file in a.stl a.obj a.csv; do
+    echo old >$file
+    host run --export $file line.lsp
+    check "exporting no solids as $file" 1 $? err 'shows no solids'
+    [ "$(cat $file)" = old ] || fail "exporting no solids as $file: the file that was there is gone"
+done
+host run --shaded first.png --view-from 0,0,1 --picture-size 300 --shaded 'second.png' line.lsp
+check 'shaded pictures' 0 $?
+for file in first.png second.png; do
+    [ "$(head -c 4 $file | tail -c 3)" = PNG ] || fail "shaded pictures: $file is none"
+done
+cmp -s first.png second.png && fail 'shaded pictures: the second was not seen from above'
 host run missing.lsp
 check 'a missing program' 1 $? err 'missing.lsp cannot be read'
 
@@ -68,6 +78,16 @@ host run line.lsp --save
 check 'an option without its value' 2 $? err '--save needs a name'
 host run --picture-size 8 --picture a.png line.lsp
 check 'a picture that is too small' 2 $? err '--picture-size needs a number from 16 to 10000'
+for view in 1,2 0,0,0 1,2,3,4 a,b,c 1e999,0,0 nan,0,0; do
+    host run --view-from $view --shaded a.png line.lsp
+    check "looking from $view" 2 $? err '--view-from needs three numbers X,Y,Z'
+done
+host run --shaded a.png --view-from 1,1,1 line.lsp
+check 'a direction without a picture' 2 $? err 'stands before the --shaded that it is for'
+host run --shaded a.svg line.lsp
+check 'a shaded picture of another kind' 2 $? err 'must end in .png'
+host run --export a.step line.lsp
+check 'an export of another kind' 2 $? err 'must end in .stl, .obj or .csv'
 host run --picture a.gif line.lsp
 check 'a picture of another kind' 2 $? err 'must end in .png or .svg'
 
