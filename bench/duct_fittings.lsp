@@ -62,8 +62,12 @@
                "; a takeoff: ratio "
                (rtos (/ (* 1000.0 (/ (bench-draw 200 branch) 200)) (milliseconds 'takeoff 20)) 2 2)))
 
-(setq memory (bench-memory) start (bench-clock))
-(repeat 125 (straight) (transition) (round-elbow) (flat-elbow) (square-elbow) (hanger) (takeoff) (wye))
-(princ (strcat "\n1,000 mixed fittings: " (rtos (- (bench-clock) start) 2 2) " s (at most 10 wanted), "
-               (rtos (/ (- (bench-memory) memory) 1024.0 1000.0) 2 1) " KB of memory each"))
+(setq memory (bench-memory) start (bench-clock) made nil)
+(defun kilobytes () (rtos (/ (- (bench-memory) memory) 1024.0 1000.0) 2 1))
+(repeat 125
+  (foreach work '(straight transition round-elbow flat-elbow square-elbow hanger takeoff wye)
+    (setq made (cons (solid-of (apply work nil)) made))))
+(princ (strcat "\n1,000 mixed fittings: made in " (rtos (- (bench-clock) start) 2 2) " s, " (kilobytes) " KB of memory each"))
+(apply 'bench-draw (cons 1 made))
+(princ (strcat "; made and drawn in " (rtos (- (bench-clock) start) 2 2) " s (at most 10 wanted), " (kilobytes) " KB each"))
 (princ)

@@ -10,6 +10,9 @@
 
 namespace tessary {
 
+// Straight duct that mitred elbows, wyes and takeoffs keep at each of their ends. Drawing units.
+inline constexpr double collar = 3.0;
+
 using SolidPointer = std::unique_ptr<qn_hvacSolid>;
 
 // Null while the companion module is not loaded; callers treat that as a body that cannot be built.

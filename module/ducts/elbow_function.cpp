@@ -16,8 +16,6 @@ namespace {
 constexpr double usualRadiusRatio = 1.5;
 constexpr double tightestRadiusRatio = 0.501;
 
-constexpr double collar = 3.0;
-
 struct ElbowArguments {
     FittingOptions options;
     bool isCableTray = false;

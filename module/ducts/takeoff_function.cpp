@@ -14,8 +14,6 @@ namespace tessary {
 
 namespace {
 
-// Straight duct that a takeoff has beyond the openings, on the main and on its branches.
-constexpr double collar = 3.0;
 // Branch bodies are this much smaller than the branches, so that their faces lie on none of the main's.
 constexpr double branchWidthGap = 0.01;
 constexpr double branchHeightGap = 0.001;

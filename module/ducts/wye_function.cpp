@@ -10,8 +10,6 @@ namespace tessary {
 
 namespace {
 
-constexpr double collar = 3.0;
-
 struct WyeArguments {
     FittingOptions options;
     TripleRun main;

@@ -3,6 +3,8 @@
 #include "solids/booleans/coincidence.h"
 #include "solids/booleans/corefinement.h"
 #include "solids/booleans/plane_cut.h"
+#include "solids/booleans/short_edges.h"
+#include "solids/booleans/standing.h"
 
 #include <algorithm>
 #include <bit>
@@ -153,11 +155,19 @@ std::optional<Mesh> combineOnce(const Mesh& first, const Mesh& second, Combinati
     return std::move(result->mesh);
 }
 
+// Where an operand has grown past a face that it was flush with, slivers as narrow as the growth are left.
+Mesh withoutSlivers(Mesh mesh, double width) {
+    constexpr double kSafety = 8;  // they may slope
+    std::optional<Mesh> clean = withoutShortEdges(mesh, kSafety * width);
+    return clean && !crossesItself(*clean) ? std::move(*clean) : std::move(mesh);
+}
+
 std::optional<Mesh> combineGrown(const Mesh& first, const Mesh& second, Combination combination) {
+    const double size = (boxOf(second).high - boxOf(second).low).length();
     for (const double growth : kGrowths) {
         if (std::optional<Mesh> result =
                 combineOnce(first, grownBody(second, growth), combination, Points::moved)) {
-            return result;
+            return withoutSlivers(std::move(*result), growth * size);
         }
     }
     return std::nullopt;
@@ -174,6 +184,11 @@ std::optional<Mesh> combineCoincident(const Mesh& first, const Mesh& second, Com
 }
 
 std::optional<Mesh> combine(const Mesh& first, const Mesh& second, Combination combination) {
+    if (combination == Combination::unite) {
+        if (std::optional<Mesh> joined = joinedWhereStanding(first, second)) {
+            return joined;
+        }
+    }
     Mesh alignedFirst = first, alignedSecond = second;
     const Points points = align(alignedFirst, alignedSecond);
     const bool crowded = coplanarPairs(alignedFirst, alignedSecond) > kMostCoplanarPairs;

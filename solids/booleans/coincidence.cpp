@@ -1,6 +1,7 @@
 #include "solids/booleans/coincidence.h"
 
 #include "solids/booleans/corefinement.h"
+#include "solids/booleans/outlines.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +15,6 @@ namespace {
 constexpr double kSamePlane = 1e-11;
 
 using Coordinates = std::array<double, 3>;
-using Edge = std::pair<std::int32_t, std::int32_t>;
 
 Coordinates coordinatesOf(const AcGePoint3d& point) {
     return {point.x + 0.0, point.y + 0.0, point.z + 0.0};  // no negative zero
@@ -110,22 +110,14 @@ Numbered numbered(const Mesh& one, const Mesh& other) {
     return result;
 }
 
-// Edges that only one of the triangles has, in its direction or turned round, sorted.
-std::vector<Edge> outline(const std::vector<Triangle>& triangles, bool turned) {
-    std::vector<Edge> edges, open;
-    for (const Triangle& triangle : triangles) {
-        for (std::size_t i = 0; i < 3; ++i) {
-            edges.emplace_back(triangle.corners[i], triangle.corners[(i + 1) % 3]);
-        }
+// The edges that only one of the triangles has, turned round, sorted.
+std::vector<Edge> turnedOutline(const std::vector<Triangle>& triangles) {
+    std::vector<Edge> edges = openEdges(triangles);
+    for (Edge& edge : edges) {
+        std::swap(edge.first, edge.second);
     }
     std::sort(edges.begin(), edges.end());
-    for (const auto& [from, to] : edges) {
-        if (!std::binary_search(edges.begin(), edges.end(), Edge(to, from))) {
-            open.push_back(turned ? Edge(to, from) : Edge(from, to));
-        }
-    }
-    std::sort(open.begin(), open.end());
-    return open;
+    return edges;
 }
 
 // Moves the triangles all of whose points both meshes have to the front; the result says how many they are.
@@ -153,23 +145,6 @@ bool areFlat(const std::vector<AcGePoint3d>& points, const std::vector<Triangle>
                    return std::fabs((point(corner) - origin).dotProduct(normal)) <= tolerance * length;
                });
            });
-}
-
-Mesh withoutUnusedPoints(const std::vector<AcGePoint3d>& points, std::vector<Triangle> triangles) {
-    Mesh mesh;
-    std::vector<std::int32_t> numbers(points.size(), -1);
-    for (Triangle& triangle : triangles) {
-        for (std::int32_t& corner : triangle.corners) {
-            std::int32_t& number = numbers[static_cast<std::size_t>(corner)];
-            if (number < 0) {
-                number = static_cast<std::int32_t>(mesh.points.size());
-                mesh.points.push_back(points[static_cast<std::size_t>(corner)]);
-            }
-            corner = number;
-        }
-    }
-    mesh.triangles = std::move(triangles);
-    return mesh;
 }
 
 std::vector<std::array<std::int32_t, 3>> sortedCorners(const std::vector<Triangle>& triangles) {
@@ -212,14 +187,15 @@ std::optional<Mesh> joinedAtFace(const Mesh& one, const Mesh& other) {
     const auto sharedOfOther = static_cast<std::ptrdiff_t>(sharedToFront(meshes, meshes.ofOther));
     const std::vector<Triangle> face(meshes.ofOne.begin(), meshes.ofOne.begin() + shared);
     const std::vector<Triangle> otherFace(meshes.ofOther.begin(), meshes.ofOther.begin() + sharedOfOther);
-    if (face.empty() || otherFace.empty() || outline(face, false) != outline(otherFace, true) ||
+    if (face.empty() || otherFace.empty() || openEdges(face) != turnedOutline(otherFace) ||
         !areFlat(meshes.points, face, kSamePlane * sizeOf(one)) ||
         !areFlat(meshes.points, otherFace, kSamePlane * sizeOf(other))) {
         return std::nullopt;
     }
     std::vector<Triangle> triangles(meshes.ofOne.begin() + shared, meshes.ofOne.end());
     triangles.insert(triangles.end(), meshes.ofOther.begin() + sharedOfOther, meshes.ofOther.end());
-    Mesh joined = withoutUnusedPoints(meshes.points, std::move(triangles));
+    Mesh joined{std::move(meshes.points), std::move(triangles)};
+    dropUnusedPoints(joined);
     if (!isClosed(joined) || crossesItself(joined)) {
         return std::nullopt;
     }

@@ -1,6 +1,6 @@
 #include "solids/booleans/plane_cut.h"
 
-#include "solids/booleans/corefinement.h"
+#include "solids/booleans/outlines.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,13 +29,11 @@ public:
         if (!close(kindOfCut)) {
             return std::nullopt;
         }
-        dropUnusedPoints();
+        dropUnusedPoints(cut_.mesh);
         return std::move(cut_);
     }
 
 private:
-    using Edge = std::pair<std::int32_t, std::int32_t>;
-
     void append(const Triangle& triangle, bool changed) {
         cut_.mesh.triangles.push_back(triangle);
         cut_.changed.push_back(changed);
@@ -100,85 +98,20 @@ private:
         return found->second;
     }
 
-    // The edges that only one triangle has, turned round.
-    std::vector<Edge> openEdges() const {
-        std::vector<Edge> edges, open;
-        for (const Triangle& triangle : cut_.mesh.triangles) {
-            for (std::size_t i = 0; i < 3; ++i) {
-                edges.emplace_back(triangle.corners[i], triangle.corners[(i + 1) % 3]);
-            }
-        }
-        std::sort(edges.begin(), edges.end());
-        for (const Edge& edge : edges) {
-            if (const Edge turned(edge.second, edge.first);
-                !std::binary_search(edges.begin(), edges.end(), turned)) {
-                open.push_back(turned);
-            }
-        }
-        return open;
-    }
-
     // Fills the outlines of the cut.
     bool close(FaceKind kindOfCut) {
-        const std::vector<Edge> open = openEdges();
-        std::vector<std::int32_t> corners;
-        for (const Edge& edge : open) {
-            corners.push_back(edge.first);
+        std::vector<Edge> outline = openEdges(cut_.mesh.triangles);
+        for (Edge& edge : outline) {
+            std::swap(edge.first, edge.second);
         }
-        std::sort(corners.begin(), corners.end());
-        if (std::adjacent_find(corners.begin(), corners.end()) != corners.end()) {
-            return false;  // outlines touch each other
+        const auto filling = fillFlat(cut_.mesh.points, outline, -normal_);
+        if (!filling) {
+            return false;
         }
-        const auto numberOf = [&](std::int32_t corner) {
-            return static_cast<std::int32_t>(std::lower_bound(corners.begin(), corners.end(), corner) -
-                                             corners.begin());
-        };
-        std::vector<std::array<std::int32_t, 2>> outline;
-        for (const Edge& edge : open) {
-            outline.push_back({numberOf(edge.first), numberOf(edge.second)});
+        for (const auto& corners : *filling) {
+            append({corners, kindOfCut}, true);
         }
-        const auto filling = fillOutlines(seenAgainstNormal(corners), outline);
-        for (const auto& [a, b, c] : filling.value_or(std::vector<std::array<std::int32_t, 3>>())) {
-            append({{corners[static_cast<std::size_t>(a)], corners[static_cast<std::size_t>(b)],
-                     corners[static_cast<std::size_t>(c)]},
-                    kindOfCut},
-                   true);
-        }
-        return filling.has_value();
-    }
-
-    // The points without their coordinate along the axis that the normal is nearest to: what runs
-    // counter-clockwise there faces down.
-    std::vector<AcGePoint2d> seenAgainstNormal(const std::vector<std::int32_t>& corners) const {
-        const double length[] = {std::fabs(normal_.x), std::fabs(normal_.y), std::fabs(normal_.z)};
-        const int axis = static_cast<int>(std::max_element(length, length + 3) - length);
-        const double along[] = {normal_.x, normal_.y, normal_.z};
-        int u = (axis + 1) % 3, v = (axis + 2) % 3;
-        if (along[axis] > 0) {
-            std::swap(u, v);
-        }
-        std::vector<AcGePoint2d> flat;
-        for (const std::int32_t corner : corners) {
-            const AcGePoint3d& point = cut_.mesh.points[static_cast<std::size_t>(corner)];
-            flat.emplace_back(point[u], point[v]);
-        }
-        return flat;
-    }
-
-    void dropUnusedPoints() {
-        std::vector<std::int32_t> numbers(cut_.mesh.points.size(), -1);
-        std::vector<AcGePoint3d> kept;
-        for (Triangle& triangle : cut_.mesh.triangles) {
-            for (std::int32_t& corner : triangle.corners) {
-                std::int32_t& number = numbers[static_cast<std::size_t>(corner)];
-                if (number < 0) {
-                    number = static_cast<std::int32_t>(kept.size());
-                    kept.push_back(cut_.mesh.points[static_cast<std::size_t>(corner)]);
-                }
-                corner = number;
-            }
-        }
-        cut_.mesh.points = std::move(kept);
+        return true;
     }
 
     const Mesh& mesh_;

@@ -39,11 +39,12 @@ std::optional<Body> transitionBody(const std::optional<DuctEnd>& start, const st
     return start && end ? makeTransition(*start, *end, flags) : std::nullopt;
 }
 
-// Moves both ends apart by a millionth of their distance. Where a body to be taken away ends in the plane of
+// Part of its length by which a body that is taken away is longer at both ends. Where it ends in the plane of
 // a wall, the wall is cut through: rounding would leave a membrane in the opening.
+constexpr double kOvershoot = 1e-6;
+
 void lengthen(DuctEnd& start, DuctEnd& end) {
-    constexpr double kShare = 1e-6;
-    const AcGeVector3d gap = (end.center - start.center) * kShare;
+    const AcGeVector3d gap = (end.center - start.center) * kOvershoot;
     start.center = start.center - start.frame.x * gap.dotProduct(start.frame.x);
     end.center = end.center + end.frame.x * gap.dotProduct(end.frame.x);
 }

@@ -94,4 +94,20 @@ bool isClosed(const Mesh& mesh) {
     return edges.size() % 2 == 0;
 }
 
+void dropUnusedPoints(Mesh& mesh) {
+    std::vector<std::int32_t> number(mesh.points.size(), -1);
+    std::vector<AcGePoint3d> points;
+    for (Triangle& triangle : mesh.triangles) {
+        for (std::int32_t& corner : triangle.corners) {
+            std::int32_t& found = number[static_cast<std::size_t>(corner)];
+            if (found < 0) {
+                found = static_cast<std::int32_t>(points.size());
+                points.push_back(mesh.points[static_cast<std::size_t>(corner)]);
+            }
+            corner = found;
+        }
+    }
+    mesh.points = std::move(points);
+}
+
 }  // namespace solids

@@ -16,7 +16,8 @@ enum class FaceKind : std::uint8_t {
     start = 1,  // the end that air enters by
     end = 2,    // an end that it leaves by
     other = 3,  // no sheet: the back and the rim of a skin
-    // Ends that are drawn open. The makers of bodies give start and end; the solid puts these in their places.
+    // Ends that are drawn open. The makers of bodies give start and end; the solid puts these in their
+    // places.
     openStart = 4,
     openEnd = 5,
 };
@@ -52,6 +53,8 @@ double areaOf(const Mesh& mesh, FaceKind kind);
 AcGeVector3d doubleAreaNormal(const Mesh& mesh, const Triangle& triangle);
 // A matrix that mirrors turns the triangles round, so that they face outward again.
 void transform(Mesh& mesh, const AcGeMatrix3d& matrix);
+// Takes out the points that no triangle has.
+void dropUnusedPoints(Mesh& mesh);
 // Each edge in two triangles, in opposite directions; no index out of range.
 bool isClosed(const Mesh& mesh);
 

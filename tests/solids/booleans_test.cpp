@@ -232,6 +232,28 @@ TEST(Booleans, RodsThatStartOnABar) {
     }
 }
 
+// On a face, as far as within its outline; over its edge, touching the edge, and with another body there too.
+// Surfaces are what both have, less the foot on both sides.
+TEST(Booleans, BodiesThatStandOnAFace) {
+    const Mesh bar = box({0, 0, 0}, {22, 4, 1});
+    for (const auto& [x, z, turned] : {std::tuple(5.0, 1.0, false), std::tuple(5.0, 0.0, true),
+                                       std::tuple(21.5, 1.0, false), std::tuple(22.0, 1.0, false)}) {
+        SCOPED_TRACE(x);
+        const Frame frame = turned ? Frame{-AcGeVector3d::kZAxis, AcGeVector3d::kXAxis, -AcGeVector3d::kYAxis}
+                                   : Frame{AcGeVector3d::kZAxis, AcGeVector3d::kXAxis, AcGeVector3d::kYAxis};
+        const Mesh rod = prism(polygonPoints(0.5, 64), 10, {x, 2, z}, frame);
+        const std::optional<Mesh> hanger = unite(bar, rod);
+        expectResult(hanger, volumeOf(bar) + volumeOf(rod), 1e-6);
+        const double foot = areaOf(rod, FaceKind::start) * (x == 22.0 ? 0.5 : 1.0);
+        EXPECT_NEAR(areaOf(bar) + areaOf(rod) - 2 * foot, areaOf(*hanger), 1e-5);
+    }
+    const Mesh rods = together(prism(polygonPoints(0.5, 64), 10, {5, 2, 1}, frameAlong({0, 0, 1}, 0.3)),
+                               prism(polygonPoints(0.5, 64), 10, {9, 2, 1}, frameAlong({0, 0, 1}, 0.3)));
+    const std::optional<Mesh> trapeze = unite(rods, bar);
+    expectResult(trapeze, volumeOf(bar) + volumeOf(rods));
+    EXPECT_NEAR(areaOf(bar) + areaOf(rods) - 4 * areaOf(rods, FaceKind::start) / 2, areaOf(*trapeze), 1e-9);
+}
+
 TEST(Booleans, FarFromTheOriginAndVerySmall) {
     const Mesh branch = prism(polygonPoints(0.4, 64), 2, {1, 0, 0}, kAlongY);
     const Mesh main = prism(rectanglePoints(1, 1), 3);
