@@ -35,11 +35,6 @@ bool isUsable(const Mesh& mesh) {
     return std::all_of(mesh.points.begin(), mesh.points.end(), isFinite) && isClosed(mesh);
 }
 
-bool overlap(const Box& one, const Box& other) {
-    return one.low.x <= other.high.x && other.low.x <= one.high.x && one.low.y <= other.high.y &&
-           other.low.y <= one.high.y && one.low.z <= other.high.z && other.low.z <= one.high.z;
-}
-
 Box grown(const Box& box, double by) {
     const AcGeVector3d margin{by, by, by};
     return {box.low - margin, box.high + margin};
@@ -55,18 +50,6 @@ double largestCoordinate(const Box& box) {
 
 double sameCoordinate(const Mesh& one, const Mesh& other) {
     return kSameCoordinate * std::max(largestCoordinate(boxOf(one)), largestCoordinate(boxOf(other)));
-}
-
-Mesh sideBySide(Mesh one, const Mesh& other) {
-    const auto offset = static_cast<std::int32_t>(one.points.size());
-    one.points.insert(one.points.end(), other.points.begin(), other.points.end());
-    for (Triangle triangle : other.triangles) {
-        for (std::int32_t& corner : triangle.corners) {
-            corner += offset;
-        }
-        one.triangles.push_back(triangle);
-    }
-    return one;
 }
 
 // The same body, larger by that part of its size in every direction, and moved by less than that: it overlaps
@@ -246,7 +229,9 @@ std::optional<Mesh> unite(const Mesh& first, const Mesh& second) {
         return std::nullopt;
     }
     if (!overlap(grown(boxOf(first), sameCoordinate(first, second)), boxOf(second))) {
-        return sideBySide(first, second);
+        Mesh both = first;
+        append(both, second);
+        return both;
     }
     return combine(first, second, Combination::unite);
 }

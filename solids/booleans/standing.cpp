@@ -96,9 +96,7 @@ std::optional<Mesh> withStanding(const Mesh& base, const Mesh& standing, const P
     const double footArea = areaOfTriangles(standing, above.face);
     above.face = shifted(std::move(above.face), base.points.size());
     Mesh joined{base.points, below.rest};
-    joined.points.insert(joined.points.end(), standing.points.begin(), standing.points.end());
-    const std::vector<Triangle> rest = shifted(std::move(above.rest), base.points.size());
-    joined.triangles.insert(joined.triangles.end(), rest.begin(), rest.end());
+    append(joined, {standing.points, std::move(above.rest)});
 
     // The foot faces against the plane, so its outline runs round the hole the way that holes do.
     std::vector<Edge> outline = openEdges(below.face);

@@ -16,33 +16,16 @@ namespace {
 // any building, and no more can be meant.
 constexpr double kLostVolume = 1e-3;
 
-bool areApart(const Box& a, const Box& b) {
-    return a.high.x < b.low.x || b.high.x < a.low.x || a.high.y < b.low.y || b.high.y < a.low.y ||
-           a.high.z < b.low.z || b.high.z < a.low.z;
-}
-
-void putBeside(Mesh& mesh, const Mesh& other) {
-    const auto offset = static_cast<std::int32_t>(mesh.points.size());
-    mesh.points.insert(mesh.points.end(), other.points.begin(), other.points.end());
-    mesh.triangles.reserve(mesh.triangles.size() + other.triangles.size());
-    for (Triangle triangle : other.triangles) {
-        for (std::int32_t& corner : triangle.corners) {
-            corner += offset;
-        }
-        mesh.triangles.push_back(triangle);
-    }
-}
-
 void joinMesh(Part& whole, const Part& next) {
     whole.mayOverlap = whole.mayOverlap || next.mayOverlap;
-    if (!areApart(boxOf(whole.mesh), boxOf(next.mesh)) && !whole.mayOverlap) {
+    if (overlap(boxOf(whole.mesh), boxOf(next.mesh)) && !whole.mayOverlap) {
         if (std::optional<Mesh> united = unite(whole.mesh, next.mesh)) {
             whole.mesh = std::move(*united);
             return;
         }
         whole.mayOverlap = true;
     }
-    putBeside(whole.mesh, next.mesh);
+    append(whole.mesh, next.mesh);
 }
 
 // Sutherland and Hodgman's step for one line: pieces of a line that leaves the kept side and comes back are

@@ -94,6 +94,23 @@ bool isClosed(const Mesh& mesh) {
     return edges.size() % 2 == 0;
 }
 
+bool overlap(const Box& one, const Box& other) {
+    return one.low.x <= other.high.x && other.low.x <= one.high.x && one.low.y <= other.high.y &&
+           other.low.y <= one.high.y && one.low.z <= other.high.z && other.low.z <= one.high.z;
+}
+
+void append(Mesh& mesh, const Mesh& other) {
+    const auto offset = static_cast<std::int32_t>(mesh.points.size());
+    mesh.points.insert(mesh.points.end(), other.points.begin(), other.points.end());
+    mesh.triangles.reserve(mesh.triangles.size() + other.triangles.size());
+    for (Triangle triangle : other.triangles) {
+        for (std::int32_t& corner : triangle.corners) {
+            corner += offset;
+        }
+        mesh.triangles.push_back(triangle);
+    }
+}
+
 void dropUnusedPoints(Mesh& mesh) {
     std::vector<std::int32_t> number(mesh.points.size(), -1);
     std::vector<AcGePoint3d> points;

@@ -45,6 +45,8 @@ struct Box {
 
 // Of a mesh with points.
 Box boxOf(const Mesh& mesh);
+// Boxes that touch overlap.
+bool overlap(const Box& one, const Box& other);
 double volumeOf(const Mesh& mesh);
 // Of all triangles, and of those of one kind.
 double areaOf(const Mesh& mesh);
@@ -53,6 +55,8 @@ double areaOf(const Mesh& mesh, FaceKind kind);
 AcGeVector3d doubleAreaNormal(const Mesh& mesh, const Triangle& triangle);
 // A matrix that mirrors turns the triangles round, so that they face outward again.
 void transform(Mesh& mesh, const AcGeMatrix3d& matrix);
+// Puts another mesh beside it, as it is.
+void append(Mesh& mesh, const Mesh& other);
 // Takes out the points that no triangle has.
 void dropUnusedPoints(Mesh& mesh);
 // Each edge in two triangles, in opposite directions; no index out of range.

@@ -69,14 +69,7 @@ Mesh moved(Mesh mesh, const AcGeVector3d& by) {
 }
 
 Mesh together(Mesh one, const Mesh& other) {
-    const auto offset = static_cast<std::int32_t>(one.points.size());
-    one.points.insert(one.points.end(), other.points.begin(), other.points.end());
-    for (Triangle triangle : other.triangles) {
-        for (std::int32_t& corner : triangle.corners) {
-            corner += offset;
-        }
-        one.triangles.push_back(triangle);
-    }
+    append(one, other);
     return one;
 }
 
