@@ -26,10 +26,21 @@ readable_folder() {
     windows_path "$(cd -- "$1" && pwd -P)"
 }
 
-# output_file FILE EXTENSION...: a file that will be written.
+# spoken WORD...: "a", "a or b", "a, b or c".
+spoken() {
+    local list=$1
+    while [ $# -gt 2 ]; do
+        shift
+        list+=", $1"
+    done
+    [ $# -lt 2 ] || list+=" or $2"
+    printf '%s' "$list"
+}
+
+# output_file OPTION FILE EXTENSION...: a file that will be written.
 output_file() {
-    local file=$1 extension
-    shift
+    local option=$1 file=$2 extension
+    shift 2
     [ ! -d "$file" ] || fail "$STATUS_USAGE" "$file is a folder; a file name is needed"
     for extension; do
         if [[ ${file,,} == *"$extension" ]]; then
@@ -37,17 +48,17 @@ output_file() {
             return
         fi
     done
-    fail "$STATUS_USAGE" "$file: the name must end in ${*}"
+    fail "$STATUS_USAGE" "$option $file: the name must end in $(spoken "$@")"
 }
 
 # parse_run_option NAME [FILE]: one option, appended to HOST_ARGUMENTS.
 parse_run_option() {
     case $1 in
     --open | --answers | --save | --picture | --shaded | --export)
-        [ $# -ge 2 ] || fail "$STATUS_USAGE" "$1 needs a file name"
+        [ -n "${2-}" ] || fail "$STATUS_USAGE" "$1 needs a file name"
         ;;
     --support)
-        [ $# -ge 2 ] || fail "$STATUS_USAGE" "$1 needs a folder"
+        [ -n "${2-}" ] || fail "$STATUS_USAGE" "$1 needs a folder"
         ;;
     --picture-size)
         [[ $# -ge 2 && $2 =~ ^[1-9][0-9]{1,4}$ && $2 -ge 16 && $2 -le 10000 ]] ||
@@ -66,10 +77,10 @@ parse_run_option() {
     case $1 in
     --open | --answers) readable_file "$2" ;;
     --support) readable_folder "$2" ;;
-    --save) output_file "$2" .dxf ;;
-    --picture) output_file "$2" .png .svg ;;
-    --shaded) output_file "$2" .png ;;
-    --export) output_file "$2" .stl .obj .csv ;;
+    --save) output_file "$1" "$2" .dxf ;;
+    --picture) output_file "$1" "$2" .png .svg ;;
+    --shaded) output_file "$1" "$2" .png ;;
+    --export) output_file "$1" "$2" .stl .obj .csv ;;
     esac
     HOST_ARGUMENTS+=("$1" "$WINDOWS_PATH")
 }

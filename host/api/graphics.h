@@ -98,6 +98,7 @@ public:
     // null.
     virtual bool text(const AcGePoint3d& position, const AcGeVector3d& normal, const AcGeVector3d& direction,
                       const ACHAR* message, int length, const AcGiTextStyle& style) = 0;
+    // Another drawable in its place, with what it draws for the view. True: nothing of it is left to draw.
     virtual bool draw(AcGiDrawable* drawable) = 0;
     virtual void pushModelTransform(const AcGeMatrix3d& matrix) = 0;
     virtual void popModelTransform() = 0;

@@ -103,6 +103,12 @@ int proxyFlagsIn(const ClassGroups& record) {
     return static_cast<int>(numberIn(record, kFlags));
 }
 
+std::wstring applicationIn(const ClassGroups& record) {
+    std::wstring text(textIn(record, kApplication));
+    std::erase(text, L'"');
+    return text;
+}
+
 void keepClassRecord(AcDbDatabase& database, const AcRxClass& cls) {
     if (!cls.dxfName())
         return;

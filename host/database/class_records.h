@@ -6,6 +6,7 @@
 // of objects, 280 1 when the class was away as the file was written, 281 1 for entities.
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,6 +18,8 @@ namespace drafthost {
 const ClassGroups* findClassRecord(const AcDbDatabase& database, std::wstring_view dxfName);
 // The flags of a record: AcRxProxyFlags together.
 int proxyFlagsIn(const ClassGroups& record);
+// The application that brings the class, as drafters are told of it: without the quotes it is kept in.
+std::wstring applicationIn(const ClassGroups& record);
 
 // Gives the drawing the record of a class that is here now, in the place of one it has.
 void keepClassRecord(AcDbDatabase& database, const AcRxClass& cls);

@@ -1,5 +1,7 @@
 #include "host/database/unknown_objects.h"
 
+#include "host/api/editor.h"
+#include "host/database/class_records.h"
 #include "host/database/class_registry.h"
 #include "host/database/dxf_fields.h"
 #include "host/database/proxies.h"
@@ -85,6 +87,19 @@ Acad::ErrorStatus AcDbUnknownEntity::dxfInFields(AcDbDxfFiler* filer) {
     if (status != Acad::eOk && status != Acad::eBadDxfSequence)
         return status;
     return takeRest(filer, *state);
+}
+
+void AcDbUnknownEntity::subList() const {
+    AcDbEntity::subList();
+    const AcDbDatabase* const drawing = database();
+    const ClassGroups* const record = drawing ? findClassRecord(*drawing, dxfName()) : nullptr;
+    const std::wstring application = record ? applicationIn(*record) : std::wstring();
+    if (classOfProxy(*this))
+        acutPrintf(L"                   Proxy: its class cannot read it\n");
+    else if (!application.empty())
+        acutPrintf(L"                   Proxy: its class is not loaded (%ls)\n", application.c_str());
+    else
+        acutPrintf(L"                   Not known here: kept as it is\n");
 }
 
 // What the numbers in the groups mean is not known, so they cannot be moved even where the class allows it.

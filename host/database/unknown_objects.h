@@ -56,4 +56,5 @@ protected:
     void subViewportDraw(AcGiViewportDraw* viewportDraw) override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& matrix) override;
+    void subList() const override;
 };

@@ -165,7 +165,7 @@ bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& 
         }
     }
     if (!viewUsed)
-        return fail(L"--view-from stands before the --shaded that it is for");
+        return fail(L"--view-from must stand before the --shaded that it is for");
     problem = checkTogether(options);
     return problem.empty();
 }

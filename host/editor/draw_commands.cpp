@@ -237,7 +237,8 @@ void insertBlock(CommandContext& context) {
     const double scaleY = y.given ? y.number : scaleX;
     const double rotation = context.angle(L"Specify rotation angle <0>: ", point);
     auto reference = std::make_unique<AcDbBlockReference>(point, block);
-    reference->setScaleFactors({scaleX, scaleY, scaleX});
+    // A mirrored block is mirrored in plan; what is above stays above.
+    reference->setScaleFactors({scaleX, scaleY, std::fabs(scaleX)});
     reference->setRotation(rotation);
     reference->transformBy(context.ucsToWorld());
     context.add(std::move(reference));

@@ -89,6 +89,11 @@ std::optional<InputResult> fromNumber(const InputRequest& request, const Answer&
     return result;
 }
 
+// An expression, or !name for the value of a variable.
+bool mustBeEvaluated(const std::wstring& text) {
+    return text.starts_with(L'(') || text.starts_with(L'!');
+}
+
 std::optional<InputResult> fromSelectionAnswer(const Answer& answer) {
     switch (answer.kind) {
         case Answer::Kind::Window:
@@ -310,15 +315,19 @@ std::optional<InputResult> Prompts::interpretTyped(const InputRequest& request, 
     const std::wstring& text = answer.text;
     if (text.empty())
         return interpretEmpty(request, answer);
-    if (request.kind == Kind::Cursor || request.kind == Kind::Selection) {
+    const bool isExpression = mustBeEvaluated(text);
+    if (request.kind == Kind::Cursor || (request.kind == Kind::Selection && !isExpression)) {
         const auto point =
             typedPoint(text, lastPoint_, surroundings_.worldToUcs(), surroundings_.lengthUnits());
         if (point)
             return interpret(request, Answer::ofPoint(Answer::Kind::Point, point->point), complaint);
         return request.kind == Kind::Cursor ? fromCursorAnswer(request, answer) : fromSelectionAnswer(answer);
     }
-    if (request.kind != Kind::Text && (text[0] == L'(' || text[0] == L'!')) {
+    if (request.kind != Kind::Text && isExpression) {
         std::optional<Answer> value = surroundings_.evaluateTyped(text);
+        // A variable may hold its own name: texts are evaluated once.
+        if (value && value->kind == Answer::Kind::Typed && mustBeEvaluated(value->text))
+            return std::nullopt;
         if (value && wantsAngle(request.kind))
             value = asTypedAngle(*value);
         return value ? interpret(request, *value, complaint) : std::nullopt;

@@ -4,6 +4,7 @@
 #include "module/ducts/duct_functions.h"
 #include "module/ducts/duct_solid.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tessary {
@@ -53,6 +54,15 @@ AcGePoint3d raised(const AcGePoint3d& point, double height) {
     return point + height * AcGeVector3d::kZAxis;
 }
 
+// Whether a rod from that height has no length but for rounding, as an elevation that a drafter computes from
+// the duct's leaves it: there is nothing to hang then.
+bool endsWhereItBegins(const Hanger& hanger, double height) {
+    constexpr double rounding = 1e-12;  // of the largest number it can come from
+    const double largest = std::max({std::abs(hanger.center.z), std::abs(hanger.elevation),
+                                     std::abs(hanger.duct.height), std::abs(hanger.thickness)});
+    return std::abs(height - hanger.elevation) <= rounding * largest;
+}
+
 // From the point up or down to the elevation.
 bool addRod(qn_hvacSolid& solid, const Hanger& hanger, const AcGePoint3d& from, const TripleFrame& frame) {
     const SectionSize size = {hanger.rod, hanger.rod};
@@ -68,7 +78,7 @@ bool addTrapezeRods(qn_hvacSolid& solid, const Hanger& hanger, const AcGePoint3d
     const AcGePoint3d center1 = bar - toRod;
     const bool goesDown = hanger.elevation <= center1.z;
     const AcGePoint3d from1 = raised(center1, goesDown ? -halfDepth : halfDepth);
-    if (from1.z == hanger.elevation) {
+    if (endsWhereItBegins(hanger, from1.z)) {
         return true;
     }
     return addRod(solid, hanger, from1, rodFrame(goesDown)) &&
@@ -106,7 +116,7 @@ bool addBand(qn_hvacSolid& solid, const Hanger& hanger) {
     const bool goesDown = hanger.elevation <= hanger.center.z;
     const double halfHeight = hanger.duct.height / 2;
     const AcGePoint3d from = raised(hanger.center, goesDown ? -halfHeight : halfHeight);
-    if (from.z != hanger.elevation && !addRod(solid, hanger, from, rodFrame(goesDown))) {
+    if (!endsWhereItBegins(hanger, from.z) && !addRod(solid, hanger, from, rodFrame(goesDown))) {
         return false;
     }
     start.size = end.size = enlarged(hanger, 0.2);

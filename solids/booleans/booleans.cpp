@@ -128,14 +128,39 @@ Points align(Mesh& one, Mesh& other) {
     return points;
 }
 
-std::optional<Mesh> combineOnce(const Mesh& first, const Mesh& second, Combination combination,
-                                Points points) {
-    std::optional<Corefined> result = corefine(first, second, combination);
-    if (!result || hasNeedles(result->mesh, result->changed) ||
-        crossesItself(result->mesh, points == Points::asGiven ? &result->changed : nullptr)) {
+// Results of one operation after another. One that is valid but for needles is kept for the case that there
+// is no better one.
+struct Attempts {
+    Combination combination;
+    std::optional<Mesh> withNeedles;
+};
+
+std::optional<Mesh> combineOnce(const Mesh& first, const Mesh& second, Points points, Attempts& attempts) {
+    std::optional<Corefined> result = corefine(first, second, attempts.combination);
+    if (!result) {
         return std::nullopt;
     }
-    return std::move(result->mesh);
+    const bool crosses = crossesItself(result->mesh, points == Points::asGiven ? &result->changed : nullptr);
+    if (!crosses && !hasNeedles(result->mesh, result->changed)) {
+        return std::move(result->mesh);
+    }
+    if (!crosses && !attempts.withNeedles) {
+        attempts.withNeedles = result->mesh;
+    }
+    // Edges hardly longer than rounding, which an operand may have brought along, are behind most of it.
+    for (const double times : {1.0, 10.0, 100.0}) {
+        std::optional<Mesh> clean = withoutShortEdges(result->mesh, times * sameCoordinate(first, second));
+        if (!clean || crossesItself(*clean)) {
+            continue;
+        }
+        if (!hasNeedles(*clean, std::vector<bool>(clean->triangles.size(), true))) {
+            return clean;
+        }
+        if (!attempts.withNeedles) {
+            attempts.withNeedles = std::move(clean);
+        }
+    }
+    return std::nullopt;
 }
 
 // Where an operand has grown past a face that it was flush with, slivers as narrow as the growth are left.
@@ -145,11 +170,11 @@ Mesh withoutSlivers(Mesh mesh, double width) {
     return clean && !crossesItself(*clean) ? std::move(*clean) : std::move(mesh);
 }
 
-std::optional<Mesh> combineGrown(const Mesh& first, const Mesh& second, Combination combination) {
+std::optional<Mesh> combineGrown(const Mesh& first, const Mesh& second, Attempts& attempts) {
     const double size = (boxOf(second).high - boxOf(second).low).length();
     for (const double growth : kGrowths) {
         if (std::optional<Mesh> result =
-                combineOnce(first, grownBody(second, growth), combination, Points::moved)) {
+                combineOnce(first, grownBody(second, growth), Points::moved, attempts)) {
             return withoutSlivers(std::move(*result), growth * size);
         }
     }
@@ -174,16 +199,22 @@ std::optional<Mesh> combine(const Mesh& first, const Mesh& second, Combination c
     }
     Mesh alignedFirst = first, alignedSecond = second;
     const Points points = align(alignedFirst, alignedSecond);
+    if (std::optional<Mesh> result = combineCoincident(alignedFirst, alignedSecond, combination)) {
+        return result;
+    }
     const bool crowded = coplanarPairs(alignedFirst, alignedSecond) > kMostCoplanarPairs;
+    Attempts attempts{combination, std::nullopt};
     std::optional<Mesh> result;
     if (crowded) {
-        result = combineCoincident(alignedFirst, alignedSecond, combination);
-        result = result ? result : combineGrown(first, second, combination);
+        result = combineGrown(first, second, attempts);
     }
     if (!result) {
-        result = combineOnce(alignedFirst, alignedSecond, combination, points);
+        result = combineOnce(alignedFirst, alignedSecond, points, attempts);
     }
-    return result || crowded ? result : combineGrown(first, second, combination);
+    if (!result && !crowded) {
+        result = combineGrown(first, second, attempts);
+    }
+    return result ? result : std::move(attempts.withNeedles);
 }
 
 // A box that holds all of the mesh that lies below the plane; of its faces only the one in the plane reaches

@@ -130,6 +130,18 @@ std::size_t sharedToFront(const Numbered& meshes, std::vector<Triangle>& triangl
     return static_cast<std::size_t>(end - triangles.begin());
 }
 
+// How far corners of a flat face may lie out of its plane: far from the origin, rounding counts more than
+// size.
+double flatness(const Mesh& mesh) {
+    constexpr double kRounding = 2e-13;  // of the largest coordinate
+    const Box box = boxOf(mesh);
+    double largest = 0;
+    for (int axis = 0; axis < 3; ++axis) {
+        largest = std::max({largest, std::fabs(box.low[axis]), std::fabs(box.high[axis])});
+    }
+    return std::max(kSamePlane * sizeOf(mesh), kRounding * largest);
+}
+
 bool areFlat(const std::vector<AcGePoint3d>& points, const std::vector<Triangle>& triangles,
              double tolerance) {
     const auto point = [&](std::int32_t corner) { return points[static_cast<std::size_t>(corner)]; };
@@ -188,8 +200,7 @@ std::optional<Mesh> joinedAtFace(const Mesh& one, const Mesh& other) {
     const std::vector<Triangle> face(meshes.ofOne.begin(), meshes.ofOne.begin() + shared);
     const std::vector<Triangle> otherFace(meshes.ofOther.begin(), meshes.ofOther.begin() + sharedOfOther);
     if (face.empty() || otherFace.empty() || openEdges(face) != turnedOutline(otherFace) ||
-        !areFlat(meshes.points, face, kSamePlane * sizeOf(one)) ||
-        !areFlat(meshes.points, otherFace, kSamePlane * sizeOf(other))) {
+        !areFlat(meshes.points, face, flatness(one)) || !areFlat(meshes.points, otherFace, flatness(other))) {
         return std::nullopt;
     }
     std::vector<Triangle> triangles(meshes.ofOne.begin() + shared, meshes.ofOne.end());

@@ -71,9 +71,20 @@ void drawCenterLines(AcGiWorldDraw& draw, const Part& part, const AcDbDatabase* 
     traits.setLineWeight(weight);
 }
 
+void listNumber(const ACHAR* label, double value) {
+    acutPrintf(L"                   %ls = %.12g\n", label, value);
+}
+
+void listPoint(const ACHAR* label, const AcGePoint3d& point) {
+    acutPrintf(L"                   %ls, X=%9.4f  Y=%9.4f  Z=%9.4f\n", label, point.x, point.y, point.z);
+}
+
 }  // namespace
 
 const ACHAR* SolidEntity::kindText() const {
+    if (parts_.empty()) {
+        return L"empty";
+    }
     switch (fitting_) {
         case HvacFitting::takeoff: return L"takeoff";
         case HvacFitting::hanger: return L"hanger";
@@ -161,6 +172,7 @@ Acad::ErrorStatus SolidEntity::subGetSolidMeasures(AcDbSolidMeasures& measures) 
     return Acad::eOk;
 }
 
+// Measures with the digits that lists of solids have in files: %f would show nothing of small ducts.
 void SolidEntity::subList() const {
     assertReadEnabled();
     qn_hvacSolid::subList();
@@ -168,11 +180,16 @@ void SolidEntity::subList() const {
     acutPrintf(L"                   Bodies = %d\n", bodyCount());
     AcDbSolidMeasures measures;
     if (getSolidMeasures(measures) == Acad::eOk) {
-        acutPrintf(L"                   Volume = %f\n", measures.volume);
-        acutPrintf(L"                   Surface area = %f\n", measures.surfaceArea);
-        acutPrintf(L"                   Sheet area = %f\n", measures.sheetArea);
+        listNumber(L"Volume", measures.volume);
+        listNumber(L"Surface area", measures.surfaceArea);
+        listNumber(L"Sheet area", measures.sheetArea);
     } else if (!parts_.empty()) {
         acutPrintf(L"                   Bodies could not be joined: no volume and area\n");
+    }
+    AcDbExtents extents;
+    if (getGeomExtents(extents) == Acad::eOk) {
+        listPoint(L"Lower corner", extents.minPoint());
+        listPoint(L"Upper corner", extents.maxPoint());
     }
 }
 

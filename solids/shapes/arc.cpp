@@ -26,6 +26,16 @@ bool leavesThroat(const Arc& arc, const DuctEnd& end, const AcGeVector3d& inward
 
 }  // namespace
 
+Arc arcAround(const Bend& bend, const AcGeVector3d& in, const AcGeVector3d& out, double radius) {
+    Arc arc{bend, radius, {}, {}, {}, {}};
+    const double tangent = radius * std::tan(bend.angle / 2);
+    arc.start = bend.corner1 - in * tangent;
+    arc.end = bend.corner2 + out * tangent;
+    arc.center = arc.start + bend.inward1 * radius;
+    arc.shift = bend.corner2 - bend.corner1;
+    return arc;
+}
+
 std::optional<Arc> fitArc(const DuctEnd& start, const DuctEnd& end, double radius) {
     if (!isUsable(start) || !isUsable(end) || !(radius > 0 && radius <= kLargestSize)) {
         return std::nullopt;
@@ -34,12 +44,7 @@ std::optional<Arc> fitArc(const DuctEnd& start, const DuctEnd& end, double radiu
     if (!bend) {
         return std::nullopt;
     }
-    Arc arc{*bend, radius, {}, {}, {}, {}};
-    const double tangent = radius * std::tan(bend->angle / 2);
-    arc.start = bend->corner1 - start.frame.x * tangent;
-    arc.end = bend->corner2 + end.frame.x * tangent;
-    arc.center = arc.start + bend->inward1 * radius;
-    arc.shift = bend->corner2 - bend->corner1;
+    const Arc arc = arcAround(*bend, start.frame.x, end.frame.x, radius);
     const double tolerance = endTolerance(arc, start, end);
     const bool fits = isUsable(arc.start) && isUsable(arc.end) &&
                       (arc.start - start.center).dotProduct(start.frame.x) >= -tolerance &&

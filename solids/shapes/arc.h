@@ -19,6 +19,9 @@ struct Arc {
     double length() const { return radius * bend.angle; }
 };
 
+// Of any radius, along unit directions of flow before and behind the bend.
+Arc arcAround(const Bend& bend, const AcGeVector3d& in, const AcGeVector3d& out, double radius);
+
 // start, end: the far ends of the runs. Null when the runs do not bend, a tangent point lies beyond the far
 // end of its run, or the radius leaves no throat beside one of the sections.
 std::optional<Arc> fitArc(const DuctEnd& start, const DuctEnd& end, double radius);

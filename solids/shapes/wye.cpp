@@ -13,6 +13,7 @@ namespace solids {
 namespace {
 
 constexpr double kAreaTolerance = 1e-6;  // of an area or a volume
+constexpr double kShortestPiece = 1e-9;  // of a size
 
 // The world coordinates of the box around a leg.
 BoxCorners boxAround(const std::array<AcGePoint3d, 4>& freeEnd, const std::array<AcGePoint3d, 4>& atCorner,
@@ -25,16 +26,59 @@ BoxCorners boxAround(const std::array<AcGePoint3d, 4>& freeEnd, const std::array
     return box;
 }
 
-std::array<AcGePoint3d, 4> rectangleAround(const WyeLeg& leg, double distance) {
-    const AcGeVector3d y = leg.frame.y * (leg.section.width / 2);
-    const AcGeVector3d z = leg.frame.z * (leg.section.height / 2);
-    const AcGePoint3d center = AcGePoint3d() + leg.frame.x * distance;
+std::array<AcGePoint3d, 4> rectangleAround(const Section& section, const Frame& frame,
+                                           const AcGePoint3d& center) {
+    const AcGeVector3d y = frame.y * (section.width / 2);
+    const AcGeVector3d z = frame.z * (section.height / 2);
     return {center + (y + z), center - y + z, center - y - z, center + y - z};
 }
 
+BoxCorners mainBox(const WyeLeg& turning, double start, const DuctEnd& main) {
+    if (turning.mitre) {
+        return boxAround(turning.mitre->cornersBefore(turning.corner.x - start), turning.mitre->corners(),
+                         turning.corner, main);
+    }
+    return boxAround(rectangleAround(main.section, kMainFrame, {start, 0, 0}),
+                     rectangleAround(main.section, kMainFrame, {turning.throat(), 0, 0}), {}, main);
+}
+
 BoxCorners legBox(const WyeLeg& leg, double distance, const DuctEnd& main) {
-    return leg.mitre ? boxAround(leg.mitre->cornersBehind(distance), leg.mitre->corners(), leg.corner, main)
-                     : boxAround(rectangleAround(leg, distance), rectangleAround(leg, 0), leg.corner, main);
+    if (leg.mitre) {
+        return boxAround(leg.mitre->cornersBehind(distance), leg.mitre->corners(), leg.corner, main);
+    }
+    return boxAround(rectangleAround(leg.section, leg.frame, leg.at(distance)),
+                     rectangleAround(leg.section, leg.frame, leg.at(leg.branchThroat())), {}, main);
+}
+
+// Null when the walls cross.
+std::optional<Mesh> simpleLoft(const std::vector<Outline>& outlines) {
+    std::optional<Mesh> mesh = loft(outlines);
+    return mesh && (isCertainlySimple(outlines) || isFreeOfSelfIntersection(*mesh)) ? std::move(mesh)
+                                                                                    : std::nullopt;
+}
+
+// The main, the bend and the branch in one piece; start: as below.
+std::optional<Mesh> sweptMesh(const WyeLeg& leg, double start) {
+    const ArcSweep& sweep = *leg.sweep;
+    std::vector<Outline> outlines = leg.outlines();
+    // What is left of the main and the branch may be no more than rounding.
+    const double shortest = kShortestPiece * std::max(leg.section.width, leg.section.height);
+    const auto coincide = [&](const Outline& a, const Outline& b) {
+        return a[0].distanceTo(b[0]) <= shortest;
+    };
+    const Outline first = sweep.startAt({start, 0, 0});
+    const Outline last = sweep.endAt(leg.at(leg.length));
+    if (coincide(first, outlines.front())) {
+        outlines.front() = first;
+    } else {
+        outlines.insert(outlines.begin(), first);
+    }
+    if (coincide(last, outlines.back())) {
+        outlines.back() = last;
+    } else {
+        outlines.push_back(last);
+    }
+    return simpleLoft(outlines);
 }
 
 // The main and one branch, in the coordinates of the main; start: where the main's leg begins, distance
@@ -48,21 +92,26 @@ std::optional<Mesh> turningMesh(const WyeLeg& leg, double start) {
 
 // Where the branch is not simply the main continued, the leg changes between halfway and the corner.
 std::optional<Mesh> straightMesh(const WyeLeg& leg, const Section& mainSection, double start) {
-    const Frame mainFrame{AcGeVector3d::kXAxis, AcGeVector3d::kYAxis, AcGeVector3d::kZAxis};
-    const FlatOutline first = flatOutline(mainSection);
-    const FlatOutline last = flatOutline(leg.section);
-    const auto across = [&](double x) { return placedOutline(first, {x, 0, 0}, mainFrame); };
+    const MatchedOutlines matched = matchOutlines(mainSection, kMainFrame, leg.section, leg.frame);
+    const auto across = [&](double x) { return placedOutline(matched.start, {x, 0, 0}, kMainFrame); };
+    const auto along = [&](double distance) {
+        return placedOutline(matched.end, leg.at(distance), leg.frame);
+    };
     const bool changes = leg.corner.y != 0 || leg.corner.z != 0 || leg.frame.x.y != 0 || leg.frame.x.z != 0 ||
-                         leg.section.width != mainSection.width || leg.section.height != mainSection.height;
-    const Outline end = placedOutline(last, leg.at(leg.length), leg.frame);
+                         leg.section.width != mainSection.width || leg.section.height != mainSection.height ||
+                         matched.twist != 0;
     if (!changes) {
-        return loft(std::array{across(start), end});
+        return loft(std::array{across(start), along(leg.length)});
     }
-    return loft(std::array{across(start), across((start + leg.corner.x) / 2),
-                           placedOutline(last, leg.corner, leg.frame), end});
+    const std::vector outlines{across(start), across((start + leg.corner.x) / 2), along(0),
+                               along(leg.length)};
+    return simpleLoft(outlines);
 }
 
 std::optional<Mesh> legMesh(const WyeLeg& leg, const Section& mainSection, double start) {
+    if (leg.sweep) {
+        return sweptMesh(leg, start);
+    }
     return leg.mitre ? turningMesh(leg, start) : straightMesh(leg, mainSection, start);
 }
 
@@ -99,6 +148,19 @@ bool areJoined(const Mesh& whole, const Mesh& part1, const Mesh& part2) {
 std::optional<Mesh> joined(const Mesh& part1, const Mesh& part2) {
     auto whole = unite(part1, part2);
     return whole && !whole->empty() && areJoined(*whole, part1, part2) ? whole : std::nullopt;
+}
+
+std::vector<AcGePoint3d> centerLine(const WyeLeg& leg, const DuctEnd& main, const DuctEnd& branch) {
+    std::vector<AcGePoint3d> bend{AcGePoint3d::kOrigin};
+    if (leg.sweep) {
+        bend = leg.sweep->centerLine();
+    }
+    std::vector<AcGePoint3d> line{main.center};
+    for (const AcGePoint3d& point : bend) {
+        line.push_back(toWorld(leg.corner + point.asVector(), main.center, main.frame));
+    }
+    line.push_back(branch.center);
+    return line;
 }
 
 void placeInWorld(Mesh& mesh, const DuctEnd& main) {
@@ -143,14 +205,12 @@ std::optional<WyePlan> planWye(const DuctEnd& main, const DuctEnd& branch1, cons
     if (start < -tolerance || leg1.length < distance1 - tolerance || leg2.length < distance2 - tolerance) {
         return std::nullopt;
     }
-    const WyeLeg& turning = leg1.mitre ? leg1 : leg2;
     WyePlan plan;
     plan.start = main.center + main.frame.x * start;
     plan.junction = main.center + main.frame.x * legs->junction;
     plan.end1 = branch1.center - branch1.frame.x * (leg1.length - distance1);
     plan.end2 = branch2.center - branch2.frame.x * (leg2.length - distance2);
-    plan.mainLeg = boxAround(turning.mitre->cornersBefore(turning.corner.x - start), turning.mitre->corners(),
-                             turning.corner, main);
+    plan.mainLeg = mainBox(leg1.turns() ? leg1 : leg2, start, main);
     plan.leg1 = legBox(leg1, distance1, main);
     plan.leg2 = legBox(leg2, distance2, main);
     return plan;
@@ -183,8 +243,7 @@ std::optional<Body> makeWye(const DuctEnd& main, const DuctEnd& branch1, const D
     return Body{std::move(*mesh),
                 BodyKind::wye,
                 flags,
-                {{main.center, toWorld(leg1.corner, main.center, main.frame), branch1.center},
-                 {main.center, toWorld(leg2.corner, main.center, main.frame), branch2.center}}};
+                {centerLine(leg1, main, branch1), centerLine(leg2, main, branch2)}};
 }
 
 }  // namespace solids

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <tuple>
 
 namespace solids {
@@ -23,30 +24,74 @@ Frame swungTo(const AcGeVector3d& direction) {
     return {direction, swing(AcGeVector3d::kYAxis), swing(AcGeVector3d::kZAxis)};
 }
 
-std::optional<WyeLeg> turningLeg(const DuctEnd& main, const DuctEnd& branch, const AcGePoint3d& center,
-                                 double tolerance) {
-    WyeLeg leg;
-    leg.mitre = mitreBetween(main.section, main.frame, branch.section, branch.frame);
-    if (!leg.mitre || std::abs(center.asVector().dotProduct(leg.mitre->normal)) > tolerance) {
+// The branch in the main's coordinates, its frame turned by quarter turns until it is nearest to the main's.
+// The directions must not be opposite.
+DuctEnd seenFrom(const DuctEnd& main, const DuctEnd& branch, const AcGePoint3d& center) {
+    const auto across = [&](const AcGeVector3d& axis) { return directionIn(main.frame, axis); };
+    DuctEnd seen{
+        center, branch.section, {across(branch.frame.x), across(branch.frame.y), across(branch.frame.z)}};
+    if (isRound(branch.section)) {
+        return seen;
+    }
+    const double turn = matchOutlines(branch.section, main.frame, branch.section, branch.frame).madeUp /
+                        (std::numbers::pi / 2);
+    for (long quarter = std::lround(turn); quarter % 4 != 0; --quarter) {
+        seen.frame = {seen.frame.x, -seen.frame.z, seen.frame.y};
+        std::swap(seen.section.width, seen.section.height);
+    }
+    return seen;
+}
+
+// For branches that no mitre joins to the main.
+std::optional<WyeLeg> sweptLeg(const DuctEnd& main, const DuctEnd& branch, const AcGePoint3d& center,
+                               double tolerance) {
+    const AcGeVector3d out = directionIn(main.frame, branch.frame.x);
+    const auto bend = findBend(AcGePoint3d::kOrigin, kMainFrame.x, center, out);
+    if (!bend || bend->corner1.distanceTo(bend->corner2) > tolerance) {
         return std::nullopt;
     }
-    const AcGeVector3d& out = leg.mitre->out;
-    leg.section = leg.mitre->last;
-    leg.frame = swungTo(out);
-    leg.length = center.asVector().dotProduct(leg.mitre->inward1) / out.dotProduct(leg.mitre->inward1);
-    leg.corner = {center.x - out.x * leg.length, 0, 0};
+    const DuctEnd first{AcGePoint3d::kOrigin, main.section, kMainFrame};
+    const DuctEnd last = seenFrom(main, branch, center);
+    WyeLeg leg;
+    leg.shift = bend->corner2 - bend->corner1;
+    // About the corner, like a mitre.
+    Bend about = *bend;
+    about.corner1 = AcGePoint3d::kOrigin;
+    about.corner2 = AcGePoint3d::kOrigin + leg.shift;
+    leg.section = last.section;
+    leg.frame = last.frame;
+    leg.sweep = tightestSweep(about, first, last);
+    leg.corner = {bend->corner1.x, 0, 0};
+    leg.length = (center - bend->corner2).dotProduct(out);
     return leg;
 }
 
-// Its corner is set once the other branch's is known.
-std::optional<WyeLeg> straightLeg(const DuctEnd& main, const DuctEnd& branch, const AcGeVector3d& out) {
-    const auto section = sectionSeenFrom(main.frame, branch.section, branch.frame);
-    if (!section) {
+std::optional<WyeLeg> mitredLeg(const Mitre& mitre, const AcGePoint3d& center, double tolerance) {
+    if (std::abs(center.asVector().dotProduct(mitre.normal)) > tolerance) {
         return std::nullopt;
     }
     WyeLeg leg;
-    leg.section = *section;
-    leg.frame = swungTo(out);
+    leg.section = mitre.last;
+    leg.frame = swungTo(mitre.out);
+    leg.mitre = mitre;
+    leg.length = center.asVector().dotProduct(mitre.inward1) / mitre.out.dotProduct(mitre.inward1);
+    leg.corner = {center.x - mitre.out.x * leg.length, 0, 0};
+    return leg;
+}
+
+std::optional<WyeLeg> turningLeg(const DuctEnd& main, const DuctEnd& branch, const AcGePoint3d& center,
+                                 double tolerance) {
+    const auto mitre = mitreBetween(main.section, main.frame, branch.section, branch.frame);
+    return mitre ? mitredLeg(*mitre, center, tolerance) : sweptLeg(main, branch, center, tolerance);
+}
+
+// Its corner is set once the other branch's is known.
+WyeLeg straightLeg(const DuctEnd& main, const DuctEnd& branch) {
+    WyeLeg leg;
+    const DuctEnd seen = seenFrom(main, branch, AcGePoint3d::kOrigin);
+    const bool isTurned = !sectionSeenFrom(main.frame, branch.section, branch.frame);
+    leg.section = seen.section;
+    leg.frame = isTurned ? seen.frame : swungTo(seen.frame.x);
     return leg;
 }
 
@@ -67,13 +112,30 @@ bool areAlikeEnough(const DuctEnd& main, const DuctEnd& branch) {
     return isUsable(branch) && branch.section.rectangular == main.section.rectangular;
 }
 
-// The mitre, or where a straight leg has its own section.
-Outline outlineAtCorner(const WyeLeg& leg) {
-    return leg.mitre ? moved(leg.mitre->outline(), leg.corner)
-                     : placedOutline(flatOutline(leg.section), leg.corner, leg.frame);
+}  // namespace
+
+double WyeLeg::throat() const {
+    const double reached = mitre ? mitre->firstThroat() : sweep ? -sweep->arc().start.x : 0.0;
+    return corner.x - reached;
 }
 
-}  // namespace
+double WyeLeg::branchThroat() const {
+    if (mitre) {
+        return mitre->lastThroat();
+    }
+    return sweep ? sweep->arc().end.asVector().dotProduct(frame.x) : 0.0;
+}
+
+std::vector<Outline> WyeLeg::outlines() const {
+    if (!turns()) {
+        return {placedOutline(flatOutline(section), corner, frame)};
+    }
+    std::vector<Outline> all = mitre ? std::vector{mitre->outline()} : sweep->outlines();
+    for (Outline& outline : all) {
+        outline = moved(outline, corner);
+    }
+    return all;
+}
 
 std::optional<WyeLegs> wyeLegsOf(const DuctEnd& main, const DuctEnd& branch1, const DuctEnd& branch2) {
     if (!isUsable(main) || !areAlikeEnough(main, branch1) || !areAlikeEnough(main, branch2)) {
@@ -90,20 +152,20 @@ std::optional<WyeLegs> wyeLegsOf(const DuctEnd& main, const DuctEnd& branch1, co
         const AcGeVector3d out = directionIn(main.frame, branch.frame.x);
         centers[i] = toLocal(branch.center, main.center, main.frame);
         const bool goesOn = out.x > 0 && std::hypot(out.y, out.z) < kSmallestAngle * (1 - 1e-6);
-        const auto leg =
-            goesOn ? straightLeg(main, branch, out) : turningLeg(main, branch, centers[i], tolerance);
+        const std::optional<WyeLeg> leg =
+            goesOn ? straightLeg(main, branch) : turningLeg(main, branch, centers[i], tolerance);
         if (!leg) {
             return std::nullopt;
         }
         legs.branches[i] = *leg;
     }
     auto& [leg1, leg2] = legs.branches;
-    if (!leg1.mitre && !leg2.mitre) {
+    if (!leg1.turns() && !leg2.turns()) {
         return std::nullopt;
     }
     for (int i = 0; i < 2; ++i) {
         WyeLeg& leg = legs.branches[i];
-        if (!leg.mitre &&
+        if (!leg.turns() &&
             !placeStraightLeg(leg, centers[i], legs.branches[1 - i].corner.x, tolerance, legs.smallest / 2)) {
             return std::nullopt;
         }
@@ -121,12 +183,11 @@ std::optional<WyeLegs> wyeLegsOf(const DuctEnd& main, const DuctEnd& branch1, co
 std::optional<double> crotchDistance(const WyeLeg& leg, const WyeLeg& other) {
     const double cosine = leg.frame.x.dotProduct(other.frame.x);
     const double sine = leg.frame.x.crossProduct(other.frame.x).length();
-    double distance = 0;
-    if (leg.mitre) {
-        distance = std::max(distance, leg.mitre->lastThroat());
-    }
-    for (const AcGePoint3d& point : outlineAtCorner(other)) {
-        distance = std::max(distance, (point - leg.corner).dotProduct(leg.frame.x));
+    double distance = std::max(0.0, leg.branchThroat());
+    for (const Outline& outline : other.outlines()) {
+        for (const AcGePoint3d& point : outline) {
+            distance = std::max(distance, (point - leg.corner).dotProduct(leg.frame.x));
+        }
     }
     if (cosine <= 0) {
         return distance;

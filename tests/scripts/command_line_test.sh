@@ -25,13 +25,14 @@ rejects 'unknown verb draw' draw
 rejects 'no program to run' run
 rejects 'no program to run' run --open drawing.dxf
 rejects 'needs a file name' run program.lsp --save
+rejects '--shaded needs a file name' run --shaded '' program.lsp
 rejects 'unknown option --colour' run --colour red program.lsp
 rejects 'no readable file missing.lsp' run missing.lsp
 rejects 'no readable file missing.dxf' run --open missing.dxf program.lsp
 rejects 'no readable file -odd.lsp' run -- -odd.lsp
 rejects 'must end in .dxf' run --save drawing.dwg program.lsp
-rejects 'must end in .png .svg' run --picture drawing.gif program.lsp
-rejects 'must end in .stl .obj .csv' run --export drawing.step program.lsp
+rejects '--picture drawing.gif: the name must end in .png or .svg' run --picture drawing.gif program.lsp
+rejects 'must end in .stl, .obj or .csv' run --export drawing.step program.lsp
 rejects 'must end in .png' run --shaded drawing.svg program.lsp
 rejects 'needs three numbers' run --view-from up --shaded drawing.png program.lsp
 rejects 'is a folder' run --save folder.dxf program.lsp

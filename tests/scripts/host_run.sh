@@ -83,7 +83,7 @@ for view in 1,2 0,0,0 1,2,3,4 a,b,c 1e999,0,0 nan,0,0; do
     check "looking from $view" 2 $? err '--view-from needs three numbers X,Y,Z'
 done
 host run --shaded a.png --view-from 1,1,1 line.lsp
-check 'a direction without a picture' 2 $? err 'stands before the --shaded that it is for'
+check 'a direction without a picture' 2 $? err '--view-from must stand before the --shaded that it is for'
 host run --shaded a.svg line.lsp
 check 'a shaded picture of another kind' 2 $? err 'must end in .png'
 host run --export a.step line.lsp

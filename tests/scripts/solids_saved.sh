@@ -43,6 +43,7 @@ cat >make.lsp <<'LISP'
 (qn_qn-drawTripleTransition nil 0 (run '(0 0 0) '(1 0 0) 20 10 "RC") (run '(1 0 0) '(9 0 0) 0 0 "RC"))
 LISP
 echo '(princ (list (quote solids) (sslength (ssget "X" (quote ((0 . "QN_HVACSOLID")))))))' >count.lsp
+echo '(command "_LIST" "_ALL" "")' >list.lsp
 
 program --save made.dxf --export made.csv make.lsp
 check 'drawing solids' 0 $?
@@ -57,6 +58,8 @@ same 'opening solids: what they amount to' made.csv again.csv
 host run --open made.dxf --save plain.dxf count.lsp
 check 'opening them without the add-in' 0 $? out '(SOLIDS 7)'
 same 'opening them without the add-in' made.dxf plain.dxf
+host run --open made.dxf list.lsp
+check 'listing them without the add-in' 0 $? out 'Proxy: its class is not loaded (Solid|' not 'Kind ='
 
 "$PYTHON" - >out.txt 2>err.txt <<'PYTHON'
 import ezdxf
@@ -112,6 +115,8 @@ check 'damaging solids' 0 $?
 program --open damaged.dxf --save kept.dxf --export kept.csv count.lsp
 check 'damaged solids' 0 $? out '(SOLIDS 7)'
 same 'damaged solids' damaged.dxf kept.dxf
+program --open damaged.dxf list.lsp
+check 'listing damaged solids' 0 $? out 'Proxy: its class cannot read it' out 'Kind = wye'
 [ $(($(wc -l <made.csv) - $(wc -l <kept.csv))) = 3 ] || fail "damaged solids: $(cat kept.csv)"
 
 exit "$failures"

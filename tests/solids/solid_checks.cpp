@@ -48,8 +48,8 @@ int sideOf(const AcGePoint3d& a, const AcGePoint3d& b, const AcGePoint3d& c, con
         return rough > 0 ? 1 : -1;
     }
     const Wide exact = determinant(between<Wide>(a, b), between<Wide>(a, c), between<Wide>(a, d));
-    // Points exactly in a plane have products that should cancel, each rounded to 113 bits.
-    const Wide rounding = Wide(1e-31) * length1(ab) * length1(ac) * length1(ad);
+    // Points exactly in a plane have products that should cancel, rounded to 113 bits eight times in a row.
+    const Wide rounding = Wide(1e-33) * length1(ab) * length1(ac) * length1(ad);
     return exact > rounding ? 1 : exact < -rounding ? -1 : 0;
 }
 

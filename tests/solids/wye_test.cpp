@@ -152,6 +152,50 @@ void expectFlush(const Mesh& mesh, const DuctEnd& end) {
     expectFacesMeet(face, FaceKind::end, ductBehind(end), FaceKind::start);
 }
 
+// A level main along x and branches from its end, each with its frame's y level.
+Runs runsInSpace(const Section& main, const AcGeVector3d& way1, const Section& section1,
+                 const AcGeVector3d& way2, const Section& section2, double length = 300) {
+    const AcGePoint3d corner(70, 30, -4);
+    const auto branch = [&](const AcGeVector3d& way, const Section& section) {
+        const Frame frame = frameAlong(way);
+        return DuctEnd{corner + frame.x * length, section, frame};
+    };
+    return {{corner - AcGeVector3d(length, 0, 0), main, frameAlong(AcGeVector3d::kXAxis)},
+            branch(way1, section1),
+            branch(way2, section2)};
+}
+
+// Turned about the origin as a whole.
+Runs turnedInSpace(Runs runs, double turn, const AcGeVector3d& axis) {
+    for (DuctEnd* const end : {&runs.main, &runs.branch1, &runs.branch2}) {
+        end->frame = rotated(end->frame, turn, axis / axis.length());
+        end->center = AcGeMatrix3d::rotation(turn, axis / axis.length()) * end->center;
+    }
+    return runs;
+}
+
+// The sides of a round leg that is mitred lie as those of the main do.
+void expectEndsFlush(const Mesh& mesh, const Runs& own) {
+    for (const DuctEnd& branch : {own.branch1, own.branch2}) {
+        if (!isRound(own.main.section) || !isRound(branch.section)) {
+            expectFlush(mesh, branch);
+        }
+    }
+}
+
+// Plans and builds it, and looks at all that holds for any wye.
+std::optional<WyePlan> expectBuilt(const Runs& runs, double collar = kCollar) {
+    const auto plan = planOf(runs, collar);
+    EXPECT_TRUE(plan);
+    if (plan) {
+        const Runs own = shortened(runs, *plan);
+        const Body body = made(runs, *plan);
+        expectWye(runs, body);
+        expectEndsFlush(body.mesh, own);
+    }
+    return plan;
+}
+
 }  // namespace
 
 TEST(Wye, VolumeAndEndsOfRectangularOnes) {
@@ -251,8 +295,86 @@ TEST(Wye, BranchesInDifferentPlanes) {
     const Body body = made(runs, *plan);
     expectWye(runs, body);
     expectFlush(body.mesh, shortened(runs, *plan).branch2);
-    runs.branch2.section = rectangle(9, 6);
-    EXPECT_FALSE(planOf(runs));
+}
+
+// Level sections of rising branches do not agree with the main's across the planes of their bends.
+TEST(Wye, BranchesThatRiseAreBuilt) {
+    const Section section = rectangle(24, 16);
+    for (const double rise : {-60.0, -15.0, 30.0, 90.0}) {
+        for (const double across : {20.0, 90.0, 300.0}) {
+            SCOPED_TRACE(testing::Message() << rise << " " << across);
+            expectBuilt(runsInSpace(section, {90, across, rise}, section, {90, -across, rise}, section));
+            expectBuilt(runsInSpace(section, {90, across, rise}, rectangle(12, 16), {90, -across, -rise},
+                                    rectangle(30, 16)));
+        }
+    }
+    // Back along the main, and side by side to one side of it.
+    expectBuilt(runsInSpace(section, {-60, 90, 30}, section, {-60, -90, 30}, section));
+    expectBuilt(runsInSpace(section, {90, 20, 30}, section, {10, 90, 30}, section));
+}
+
+TEST(Wye, SweptLegsAreAsTightAsTheirSectionsAllow) {
+    // The wider oval reaches 12 towards the inside, and a tenth of that is the throat.
+    const Runs runs = runsInSpace(circle(16), {0, 1, 0}, oval(24, 16), {0, -1, 0}, oval(20, 16));
+    const auto plan = expectBuilt(runs);
+    ASSERT_TRUE(plan);
+    EXPECT_NEAR(plan->start.distanceTo(plan->junction), 12 * 1.1 + kCollar, 1e-9);
+    EXPECT_NEAR(plan->end1.distanceTo(plan->junction), 12 * 1.1 + kCollar, 1e-9);
+    EXPECT_NEAR(plan->end2.distanceTo(plan->junction), 10 * 1.1 + kCollar, 1e-9);
+    const Frame& frame1 = runs.branch1.frame;
+    for (int i = 0; i < 4; ++i) {
+        const double y = i == 0 || i == 3 ? 1 : -1;
+        const double z = i < 2 ? 1 : -1;
+        const AcGePoint3d throat = plan->junction - runs.main.frame.x * 13.2;
+        const AcGeVector3d onMain = runs.main.frame.y * (8 * y) + runs.main.frame.z * (8 * z);
+        EXPECT_NEAR(plan->mainLeg[i].distanceTo(plan->start + onMain), 0, 1e-9);
+        EXPECT_NEAR(plan->mainLeg[i + 4].distanceTo(throat + onMain), 0, 1e-9);
+        const AcGeVector3d onBranch = frame1.y * (12 * y) + frame1.z * (8 * z);
+        EXPECT_NEAR(plan->leg1[i].distanceTo(plan->end1 + onBranch), 0, 1e-9);
+        EXPECT_NEAR(plan->leg1[i + 4].distanceTo(plan->junction + frame1.x * 13.2 + onBranch), 0, 1e-9);
+    }
+    const Body body = made(runs, *plan);
+    ASSERT_EQ(body.centerLines.size(), 2u);
+    for (const auto& line : body.centerLines) {
+        ASSERT_EQ(line.size(), 2u + 17u);
+        EXPECT_NEAR(line.front().distanceTo(plan->start), 0, 1e-9);
+    }
+    EXPECT_NEAR(body.centerLines[1].back().distanceTo(plan->end2), 0, 1e-9);
+    // A slight bend is drawn out so that the section, turned on its way by 0.4 radians, has room to change.
+    Runs slight = runsInSpace(circle(16), {1, 0.02, 0}, oval(24, 16), {0, -1, 0}, circle(16), 2000);
+    slight.branch1.frame = rotated(slight.branch1.frame, 0.4, slight.branch1.frame.x);
+    const auto drawnOut = expectBuilt(slight);
+    ASSERT_TRUE(drawnOut);
+    EXPECT_GT(drawnOut->leg1[4].distanceTo(drawnOut->mainLeg[4]), 4);
+}
+
+TEST(Wye, OneLegIsMitredAndTheOtherSwept) {
+    const Section section = rectangle(24, 16);
+    const Runs level = runsInSpace(section, {1, 1, 0}, section, {0, -1, 0}, section);
+    const Runs rising = runsInSpace(section, {1, 1, 0}, section, {0, -1, 0.4}, section);
+    const auto planned = planOf(level);
+    const auto plan = expectBuilt(rising);
+    ASSERT_TRUE(planned && plan);
+    for (int i = 4; i < 8; ++i) {
+        EXPECT_NEAR(plan->leg1[i].distanceTo(planned->leg1[i]), 0, 1e-9);
+        EXPECT_NEAR(plan->mainLeg[i].distanceTo(planned->mainLeg[i]), 0, 1e-9);
+    }
+    expectBuilt(runsInSpace(section, {1, 0, 0}, section, {1, -1, 0.4}, rectangle(12, 16)));
+    expectBuilt(runsInSpace(circle(10), {1, 1, 1}, circle(10), {1, -1, 1}, oval(16, 10)));
+    // No height in common.
+    expectBuilt(runsInSpace(section, {1, 1, 0}, rectangle(20, 20), {1, -1, 0}, section));
+}
+
+// The main goes up with the first branch's level axis, which the others have no reason to share.
+TEST(Wye, UprightMainBetweenLevelBranches) {
+    const Section section = rectangle(24, 16);
+    for (const AcGeVector3d& way2 :
+         {AcGeVector3d(-1, 0.7, 0), AcGeVector3d(-0.3, -1, 0.5), AcGeVector3d(0, 0, 1)}) {
+        Runs runs = runsInSpace(section, {1, 0.2, 0}, section, way2, section);
+        runs.main.frame = {{0, 0, 1}, runs.branch1.frame.y, -runs.branch1.frame.x};
+        runs.main.center = {70, 30, -304};
+        expectBuilt(runs);
+    }
 }
 
 TEST(Wye, BranchesOneAfterTheOther) {
@@ -284,7 +406,7 @@ TEST(Wye, RunsThatMakeNoWyeAreRefused) {
     EXPECT_FALSE(planOf(levelRuns(section, 0.6, section, 0.6005, section, 1e5)));
     EXPECT_FALSE(planOf(levelRuns(section, 0, section, 0, section)));
     EXPECT_FALSE(planOf(levelRuns(section, kPi, section, 0.5, section)));
-    EXPECT_FALSE(planOf(levelRuns(section, 0.6, rectangle(10, 7), -0.6, section)));
+    EXPECT_FALSE(planOf(runsInSpace(section, {-1, 0, 0}, section, {0, 1, 0}, section)));
     EXPECT_FALSE(planOf(levelRuns(section, 0.6, circle(6), -0.6, section)));
     EXPECT_FALSE(planOf(levelRuns(section, 0.05, section, -0.05, section, 99)));
     EXPECT_TRUE(planOf(levelRuns(section, 0.05, section, -0.05, section, 104)));
@@ -349,11 +471,7 @@ TEST(Wye, AnyPairOfBranchesIsValid) {
         Runs runs =
             levelRuns(section(), angle(), section(), angle(), section(), 100 * size, 6 * unit(random));
         const AcGeVector3d axis(unit(random) - 0.5, unit(random) - 0.5, unit(random) - 0.5);
-        const double turn = 3 * unit(random);
-        for (DuctEnd* const end : {&runs.main, &runs.branch1, &runs.branch2}) {
-            end->frame = rotated(end->frame, turn, axis / axis.length());
-            end->center = AcGeMatrix3d::rotation(turn, axis / axis.length()) * end->center;
-        }
+        runs = turnedInSpace(runs, 3 * unit(random), axis);
         const auto plan = planOf(runs, size * unit(random));
         if (!plan) {
             continue;
@@ -369,4 +487,42 @@ TEST(Wye, AnyPairOfBranchesIsValid) {
     }
     EXPECT_GT(planned, 90);
     EXPECT_EQ(built, planned);
+}
+
+TEST(Wye, AnyPairOfBranchesInSpaceIsValid) {
+    std::mt19937 random(815);
+    std::uniform_real_distribution<double> unit(0, 1);
+    int built = 0;
+    int planned = 0;
+    for (int i = 0; i < 60; ++i) {
+        const double height = std::pow(10, 2 * unit(random) - 0.5);
+        const bool isBox = i % 3 != 2;
+        const auto section = [&] {
+            const double width = height * (0.3 + 2 * unit(random));
+            return Section{isBox, isBox ? width : std::max(width, height), height};
+        };
+        const auto way = [&](double side) {
+            const double angle = side * kPi / 180 * (20 + 100 * unit(random));
+            return AcGeVector3d(std::cos(angle), std::sin(angle), 1.6 * (unit(random) - 0.5));
+        };
+        Runs runs = runsInSpace(section(), way(1), section(), way(-1), section(), 100 * height);
+        const AcGeVector3d axis(unit(random) - 0.5, unit(random) - 0.5, unit(random) - 0.5);
+        runs = turnedInSpace(runs, 3 * unit(random), axis);
+        if (i % 2 == 0) {
+            runs.branch2.frame = rotated(runs.branch2.frame, 6 * unit(random), runs.branch2.frame.x);
+        }
+        const auto plan = planOf(runs, height * (0.05 + unit(random)));
+        planned += plan ? 1 : 0;
+        const Runs own = plan ? shortened(runs, *plan) : runs;
+        const auto body =
+            plan ? makeWye(own.main, own.branch1, own.branch2, plan->junction, 0) : std::nullopt;
+        if (body) {
+            ++built;
+            SCOPED_TRACE(i);
+            expectWye(runs, *body);
+            expectEndsFlush(body->mesh, own);
+        }
+    }
+    EXPECT_EQ(planned, 60);
+    EXPECT_GE(built, 58);
 }
