@@ -44,7 +44,11 @@ BoxCorners mainBox(const WyeLeg& turning, double start, const DuctEnd& main) {
 
 BoxCorners legBox(const WyeLeg& leg, double distance, const DuctEnd& main) {
     if (leg.mitre) {
-        return boxAround(leg.mitre->cornersBehind(distance), leg.mitre->corners(), leg.corner, main);
+        std::array<AcGePoint3d, 4> freeEnd = leg.mitre->cornersBehind(distance);
+        for (AcGePoint3d& corner : freeEnd) {
+            corner += leg.shift;
+        }
+        return boxAround(freeEnd, leg.mitre->corners(), leg.corner, main);
     }
     return boxAround(rectangleAround(leg.section, leg.frame, leg.at(distance)),
                      rectangleAround(leg.section, leg.frame, leg.at(leg.branchThroat())), {}, main);
@@ -84,10 +88,14 @@ std::optional<Mesh> sweptMesh(const WyeLeg& leg, double start) {
 // The main and one branch, in the coordinates of the main; start: where the main's leg begins, distance
 // along it.
 std::optional<Mesh> turningMesh(const WyeLeg& leg, double start) {
-    const std::array outlines{moved(leg.mitre->before(leg.corner.x - start), leg.corner),
-                              moved(leg.mitre->outline(), leg.corner),
-                              moved(leg.mitre->behind(leg.length), leg.corner)};
-    return loft(outlines);
+    std::vector outlines{moved(leg.mitre->before(leg.corner.x - start), leg.corner),
+                         moved(leg.mitre->outline(), leg.corner)};
+    const bool shifts = leg.shift.length() > 0;
+    if (shifts) {
+        outlines.push_back(moved(leg.mitre->behind(leg.branchThroat()), leg.corner));
+    }
+    outlines.push_back(moved(leg.mitre->behind(leg.length), leg.corner + leg.shift));
+    return shifts ? simpleLoft(outlines) : loft(outlines);
 }
 
 // Where the branch is not simply the main continued, the leg changes between halfway and the corner.
@@ -154,6 +162,9 @@ std::vector<AcGePoint3d> centerLine(const WyeLeg& leg, const DuctEnd& main, cons
     std::vector<AcGePoint3d> bend{AcGePoint3d::kOrigin};
     if (leg.sweep) {
         bend = leg.sweep->centerLine();
+    }
+    if (leg.mitre && leg.shift.length() > 0) {
+        bend.push_back(AcGePoint3d::kOrigin + leg.frame.x * leg.branchThroat());
     }
     std::vector<AcGePoint3d> line{main.center};
     for (const AcGePoint3d& point : bend) {

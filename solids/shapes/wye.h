@@ -23,7 +23,7 @@ struct WyePlan {
 // smallest size, and one that goes straight on may lie beside the main as far. Each branch ends where it has
 // come clear of the other and of the other's bend; the main starts before both bends. collar: straight duct
 // beyond that at all ends. Null when no legs can be joined: branches that run side by side or back along the
-// main, centre lines that do not meet, runs that are too short.
+// main, centre lines that pass each other by more than half of the smallest size, runs that are too short.
 std::optional<WyePlan> planWye(const DuctEnd& main, const DuctEnd& branch1, const DuctEnd& branch2,
                                double collar);
 // The ends as planned. Null when they do not belong together.

@@ -44,10 +44,10 @@ DuctEnd seenFrom(const DuctEnd& main, const DuctEnd& branch, const AcGePoint3d& 
 
 // For branches that no mitre joins to the main.
 std::optional<WyeLeg> sweptLeg(const DuctEnd& main, const DuctEnd& branch, const AcGePoint3d& center,
-                               double tolerance) {
+                               double largestOffset) {
     const AcGeVector3d out = directionIn(main.frame, branch.frame.x);
     const auto bend = findBend(AcGePoint3d::kOrigin, kMainFrame.x, center, out);
-    if (!bend || bend->corner1.distanceTo(bend->corner2) > tolerance) {
+    if (!bend || bend->corner1.distanceTo(bend->corner2) > largestOffset) {
         return std::nullopt;
     }
     const DuctEnd first{AcGePoint3d::kOrigin, main.section, kMainFrame};
@@ -66,11 +66,16 @@ std::optional<WyeLeg> sweptLeg(const DuctEnd& main, const DuctEnd& branch, const
     return leg;
 }
 
-std::optional<WyeLeg> mitredLeg(const Mitre& mitre, const AcGePoint3d& center, double tolerance) {
-    if (std::abs(center.asVector().dotProduct(mitre.normal)) > tolerance) {
+std::optional<WyeLeg> mitredLeg(const Mitre& mitre, const AcGePoint3d& center, double rounding,
+                                double largestOffset) {
+    const double offset = center.asVector().dotProduct(mitre.normal);
+    if (std::abs(offset) > largestOffset) {
         return std::nullopt;
     }
     WyeLeg leg;
+    if (std::abs(offset) > rounding) {
+        leg.shift = mitre.normal * offset;
+    }
     leg.section = mitre.last;
     leg.frame = swungTo(mitre.out);
     leg.mitre = mitre;
@@ -80,9 +85,10 @@ std::optional<WyeLeg> mitredLeg(const Mitre& mitre, const AcGePoint3d& center, d
 }
 
 std::optional<WyeLeg> turningLeg(const DuctEnd& main, const DuctEnd& branch, const AcGePoint3d& center,
-                                 double tolerance) {
+                                 double rounding, double largestOffset) {
     const auto mitre = mitreBetween(main.section, main.frame, branch.section, branch.frame);
-    return mitre ? mitredLeg(*mitre, center, tolerance) : sweptLeg(main, branch, center, tolerance);
+    return mitre ? mitredLeg(*mitre, center, rounding, largestOffset)
+                 : sweptLeg(main, branch, center, largestOffset);
 }
 
 // Its corner is set once the other branch's is known.
@@ -153,7 +159,8 @@ std::optional<WyeLegs> wyeLegsOf(const DuctEnd& main, const DuctEnd& branch1, co
         centers[i] = toLocal(branch.center, main.center, main.frame);
         const bool goesOn = out.x > 0 && std::hypot(out.y, out.z) < kSmallestAngle * (1 - 1e-6);
         const std::optional<WyeLeg> leg =
-            goesOn ? straightLeg(main, branch) : turningLeg(main, branch, centers[i], tolerance);
+            goesOn ? straightLeg(main, branch)
+                   : turningLeg(main, branch, centers[i], legs.rounding(), legs.smallest / 2);
         if (!leg) {
             return std::nullopt;
         }

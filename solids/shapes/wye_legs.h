@@ -23,8 +23,10 @@ struct WyeLeg {
     std::optional<Mitre> mitre;
     std::optional<ArcSweep> sweep;
     AcGePoint3d corner;  // on the branch's centre line, on the main's unless it goes straight on
-    AcGeVector3d shift;  // of a sweep: from the corner to the branch's centre line, within the tolerance
-    double length = 0;   // from the corner to the given end of the branch
+    // Of a bend: from the corner to the branch's centre line, where that passes the main's. A mitred leg
+    // shifts behind its mitre, a sweep on its way.
+    AcGeVector3d shift;
+    double length = 0;  // from the corner to the given end of the branch
 
     bool turns() const { return mitre || sweep; }
     AcGePoint3d at(double distance) const { return corner + shift + frame.x * distance; }

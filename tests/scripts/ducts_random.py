@@ -208,7 +208,7 @@ def meets(straight, fitting_object, way):
 
 
 def main():
-    count = int(sys.argv[1]) if len(sys.argv) > 1 and sys.argv[1].isdigit() else 600
+    count = int(sys.argv[1]) if len(sys.argv) > 1 and sys.argv[1].isdigit() else 1000
     seed = int(sys.argv[2]) if len(sys.argv) > 2 else 20261121
     folder = sys.argv[3] if len(sys.argv) > 3 else None
     with tempfile.TemporaryDirectory() as temporary:

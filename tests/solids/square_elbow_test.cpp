@@ -78,6 +78,32 @@ TEST(SquareElbow, ThroatCollarsAndVolumeOfEqualSections) {
     }
 }
 
+// As ducts of different heights do that are flush at their bottoms. A leg that shifts is an oblique prism.
+TEST(SquareElbow, RunsThatPassEachOtherAreJoinedByALegThatShifts) {
+    const Section sections[] = {rectangle(12, 8), circle(12), oval(12, 8)};
+    const double area[] = {12 * 8, roundArea(12), roundArea(8) + 4 * 8};
+    for (const double shift : {1e-5, 2.0, -3.9}) {
+        for (int i = 0; i < 3; ++i) {
+            SCOPED_TRACE(shift);
+            Runs runs = levelRuns(1, sections[i], sections[i]);
+            runs.end.center.z += shift;
+            const auto plan = planSquareElbow(runs.start, runs.end, kCollar);
+            ASSERT_TRUE(plan);
+            const Body body = made(runs, *plan);
+            expectSolid(body.mesh, area[i] * 2 * (6 * std::tan(0.5) + kCollar), 1e-8);
+            const Runs own = shortened(runs, *plan);
+            expectFacesMeet(body.mesh, FaceKind::end, ductBehind(own.end), FaceKind::start);
+            EXPECT_NEAR(own.end.center.z - own.start.center.z, shift, 1e-9);
+        }
+    }
+    Runs runs = levelRuns(1, sections[0], sections[0]);
+    runs.end.center.z += 1;
+    const auto plan = planSquareElbow(runs.start, runs.end, 0);  // leaves no duct to shift on
+    ASSERT_TRUE(plan);
+    const Runs own = shortened(runs, *plan);
+    EXPECT_FALSE(makeSquareElbow(own.start, own.end, plan->corner, 0));
+}
+
 TEST(SquareElbow, KeepsKindFlagsAndCenterLine) {
     const Runs runs = levelRuns(1, rectangle(12, 8), rectangle(12, 8));
     const auto plan = planSquareElbow(runs.start, runs.end, kCollar);
@@ -159,7 +185,7 @@ TEST(SquareElbow, RunsThatCannotBeJoinedAreRefused) {
     Runs passing = levelRuns(1, section, section);
     passing.end.center.z += 1e-7;
     EXPECT_FALSE(isRefused(passing));
-    passing.end.center.z += 0.01;
+    passing.end.center.z += 4;  // half of the smallest size
     EXPECT_TRUE(isRefused(passing));
 
     const double leg = 6 * std::tan(0.5) + kCollar;

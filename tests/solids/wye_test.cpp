@@ -401,6 +401,32 @@ TEST(Wye, BranchesOneAfterTheOther) {
     EXPECT_FALSE(planOf(beside));
 }
 
+// As branches lower than the main do that are flush with it at the bottom: each shifts behind its mitre, or
+// on its way.
+TEST(Wye, BranchesWhoseCenterLinesPassTheMains) {
+    for (const auto& [shift1, shift2] : {std::pair(-1.0, -2.0), std::pair(1e-7, 2.5), std::pair(3.0, -3.0)}) {
+        SCOPED_TRACE(shift1);
+        for (const Section& section : {rectangle(12, 8), circle(10)}) {
+            Runs runs = levelRuns(section, 0.7, section, -0.6, section);
+            runs.branch1.center.z += shift1;
+            runs.branch2.center.z += shift2;
+            const auto plan = planOf(runs);
+            ASSERT_TRUE(plan);
+            const Body body = made(runs, *plan);
+            expectWye(runs, body);
+            EXPECT_NEAR(plan->end1.z - plan->start.z, shift1, 1e-9);
+            EXPECT_NEAR(plan->end2.z - plan->start.z, shift2, 1e-9);
+        }
+    }
+    Runs rising = levelRuns(rectangle(12, 8), 0.7, rectangle(12, 8), -0.6, rectangle(12, 8));
+    const AcGeVector3d up = AcGeVector3d(rising.branch1.frame.x.x, rising.branch1.frame.x.y, 0.4).normal();
+    rising.branch1.frame = frameAlong(up);
+    rising.branch1.center.z += 80 + 1.5;
+    const auto plan = planOf(rising);
+    ASSERT_TRUE(plan);
+    expectWye(rising, made(rising, *plan));
+}
+
 TEST(Wye, RunsThatMakeNoWyeAreRefused) {
     const Section section = rectangle(10, 6);
     EXPECT_FALSE(planOf(levelRuns(section, 0.6, section, 0.6005, section, 1e5)));
@@ -414,7 +440,7 @@ TEST(Wye, RunsThatMakeNoWyeAreRefused) {
     Runs runs = levelRuns(section, 0.6, section, -0.6, section);
     EXPECT_FALSE(planOf(runs, -1));
     EXPECT_FALSE(planOf(runs, std::numeric_limits<double>::infinity()));
-    runs.branch2.center.z += 0.1;
+    runs.branch2.center.z += 0.51 * std::min(section.width, section.height);
     EXPECT_FALSE(planOf(runs));
     runs.branch2.center.z = std::numeric_limits<double>::quiet_NaN();
     EXPECT_FALSE(planOf(runs));
