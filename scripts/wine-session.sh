@@ -29,13 +29,6 @@ begin_wine_session() {
     fi
 }
 
-# hold_desktop PREFIX: keeps a window open, and with it Wine's desktop, until the session ends. Otherwise the first program
-# that shows a window or measures text starts the desktop, which holds that program's output as long as any other program
-# uses it: where outputs are pipes, as in the tests, the first one seems not to end.
-hold_desktop() {
-    TESSARY_WINEPREFIX="$1" without_sessions "$WINE" notepad.exe </dev/null >/dev/null 2>&1 &
-}
-
 # end_wine_sessions: stops the servers of this script's prefixes, but not those that another session uses.
 end_wine_sessions() {
     local prefix lock
