@@ -1,0 +1,40 @@
+#pragma once
+
+// The rows of tblLayer.
+
+#include "module/standards/standards_record.h"
+
+namespace tessary {
+
+class CTblLayer final : public StandardsRecord {
+public:
+    CTblLayer(bool skipMasterLink, ConnectionPointer connection);
+
+    bool seekByName(const std::wstring& name);
+    // True also without a connection.
+    bool isBOF();
+    bool isEOF();
+    void moveFirst();
+    void moveNext();
+    void moveLast();
+    void addNew();
+    // Deletes the loaded row.
+    void remove();
+
+    int ixLayer() const;
+    const std::wstring& sName() const;
+    std::optional<int> iColor() const;  // index 1 to 255; nothing where the row has none
+    const std::wstring& sLinetype() const;
+    bool bPlot() const;
+    std::optional<std::wstring> sLineweight() const;  // hundredths of a millimetre as decimal digits
+    std::optional<std::wstring> sPlotstyle() const;
+
+    void setName(const std::wstring& name);
+    void setColor(int index);
+    void setLinetype(const std::wstring& name);
+    void setPlot(bool plots);
+    void setLineweight(const std::optional<std::wstring>& digits);  // nothing: null
+    void setPlotstyle(const std::optional<std::wstring>& name);
+};
+
+}  // namespace tessary
