@@ -1,11 +1,14 @@
 ;;; standards.lsp - the drafting standards of an office, kept in a database.
 ;;;
 ;;; A standards database says on which layers an office draws, in which text styles, and how its schedules are
-;;; labelled. This program makes one, "standards.qn" beside the drawing, with the six tables of the product, fills it
-;;; from the lists below and then does with it what programs do with a database: it walks through a table, looks
-;;; records up, asks questions in SQL, changes, adds and deletes records, and compacts the file.
+;;; labelled. This program makes one, "standards.qn" beside the drawing, with the six tables of the product
+;;; (lisp/standards_tables.lsp defines them), fills it from the lists below and then does with it what programs do with a
+;;; database: it walks through a table, looks records up, asks questions in SQL, changes, adds and deletes records, and
+;;; compacts the file.
 ;;; Run it with:  ./tessary run examples/standards.lsp
 ;;; It may be run again: it begins with an empty database each time.
+
+(load "standards_tables")
 
 ;; Tools
 
@@ -32,74 +35,6 @@
 ;; Fields and values side by side, as ts_append and ts_replace take them. A list ("sName") without a value stands for a
 ;; field that is left empty; yes/no fields take -1 and 0.
 (defun pairs (names values) (mapcar 'cons names values))
-
-;; The tables
-;;
-;; A table is a list of fields (name . type). REQUIRED fields must have a value, and take their DEFAULT when a program
-;; gives none. A COUNTER is numbered by the database. Names begin with what the field holds: ix a key, i a whole number,
-;; d a number, s a text, b yes or no.
-
-;; Rows that were copied from a master database say from where.
-(setq master-link '(("ixMasterDatabase" . "LONG") ("iMasterDatabaseIndex" . "LONG")))
-
-;; How one kind of duct is hatched.
-(defun hatch-fields (duct)
-  (mapcar '(lambda (end type) (cons (strcat duct end) type))
-          '("HatchOn" "HatchType" "HatchPattern" "HatchAngle" "HatchScale")
-          '("YESNO REQUIRED DEFAULT NO" "TEXT(20) REQUIRED DEFAULT 'Predefined'" "TEXT(255) REQUIRED DEFAULT 'ANSI31'"
-            "DOUBLE REQUIRED DEFAULT 0" "DOUBLE REQUIRED DEFAULT 1")))
-
-(setq tables
-  (list
-    (list "tblLayer"
-      (append
-        '(("ixLayer" . "COUNTER") ("sName" . "TEXT(255) REQUIRED") ("bRGBColor" . "YESNO REQUIRED DEFAULT NO")
-          ("iColor" . "LONG") ("iRed" . "LONG") ("iGreen" . "LONG") ("iBlue" . "LONG")
-          ("sLinetype" . "TEXT(255) REQUIRED DEFAULT 'Continuous'") ("bPlot" . "YESNO REQUIRED DEFAULT YES")
-          ("sLineweight" . "TEXT(10)") ("sPlotstyle" . "TEXT(255)"))
-        master-link))
-    (list "tblLayerKey"
-      (append
-        '(("ixLayerKey" . "COUNTER") ("ixLayerSystem" . "LONG") ("ixLayer" . "LONG REQUIRED")
-          ("sKey" . "TEXT(255) REQUIRED"))
-        master-link))
-    (list "tblLayerSystem"
-      (append
-        '(("ixLayerSystem" . "COUNTER") ("sDescription" . "TEXT(255) REQUIRED")
-          ("iSortOrder" . "LONG REQUIRED DEFAULT 0") ("bSolid" . "YESNO REQUIRED DEFAULT NO")
-          ("sPrefix" . "TEXT(255) REQUIRED DEFAULT ''") ("sSuffix" . "TEXT(255) REQUIRED DEFAULT ''"))
-        (apply 'append (mapcar 'hatch-fields '("supply" "return" "exhaust" "outside")))
-        '(("bHatchFlexDucts" . "YESNO REQUIRED DEFAULT NO") ("dHatchOverhang" . "DOUBLE REQUIRED DEFAULT 0"))
-        master-link))
-    (list "tblTextStyle"
-      (append
-        '(("ixTextStyle" . "COUNTER") ("sKey" . "TEXT(255) REQUIRED") ("sStyleName" . "TEXT(255)")
-          ("dHeight" . "DOUBLE") ("dScaleFactor" . "DOUBLE"))
-        master-link))
-    (list "tblLabelGroup"
-      '(("ixLabelGroup" . "COUNTER") ("sGroup" . "TEXT(255) REQUIRED") ("sKey" . "TEXT(255) REQUIRED")
-        ("sLabel" . "TEXT(255) REQUIRED DEFAULT ''") ("dWidth" . "DOUBLE")
-        ("sJustification" . "TEXT(20) REQUIRED DEFAULT 'Left'") ("bDisplay" . "YESNO REQUIRED DEFAULT YES")
-        ("iSortOrder" . "LONG REQUIRED DEFAULT 0")))
-    (list "tblGlobal"
-      '(("ixGlobal" . "COUNTER") ("sKey" . "TEXT(255) REQUIRED") ("bNumeric" . "YESNO REQUIRED DEFAULT NO")
-        ("sText" . "TEXT(255)") ("dNumber" . "DOUBLE")))))
-
-;; (table index unique primary). An index has the name of its field, or names its fields in parentheses.
-(setq indexes
-  '(("tblLayer" "ixLayer" T T)             ("tblLayer" "sName" nil nil)
-    ("tblLayerKey" "ixLayerKey" T T)       ("tblLayerKey" "sKey" nil nil)
-    ("tblLayerKey" "isxLayerSystemKey(ixLayerSystem,sKey)" nil nil)
-    ("tblLayerSystem" "ixLayerSystem" T T)
-    ("tblTextStyle" "ixTextStyle" T T)     ("tblTextStyle" "sKey" T nil)
-    ("tblLabelGroup" "ixLabelGroup" T T)
-    ("tblGlobal" "ixGlobal" T T)           ("tblGlobal" "sKey" T nil)))
-
-(defun make-tables ()
-  (foreach table tables
-    (must (ts_create_table (car table) (cadr table)) (strcat "creating " (car table))))
-  (foreach index indexes
-    (must (apply 'ts_create_index index) (strcat "indexing " (car index)))))
 
 ;; The standards: what the tables are filled with
 
@@ -275,7 +210,7 @@
   (ts_fdelete file)
   (must (ts_create_db file) (strcat "creating " file))
   (must (ts_connect file) "opening it")
-  (make-tables)
+  (must (standardsTables:create) "creating the tables")
   (add-systems (add-layers))
   (add-others)
   (show-tables)

@@ -4,20 +4,22 @@
 
 #include <windows.h>
 
+#include <utility>
 #include <vector>
 
 namespace framework {
 
 // Edges of the dialog that an edge of the control keeps its distance to. Opposite edges together stretch the
-// control; a control without an edge in a direction keeps the same share of the space on both sides.
+// control; a control without an edge in a direction gets half of the growth on either side of it.
 enum Anchor : unsigned { anchorLeft = 1, anchorTop = 2, anchorRight = 4, anchorBottom = 8 };
 
 class Anchors {
 public:
     // Notes where the control is now, as part of a dialog of its present size. dialog: the same for all.
-    // A control that does not exist is passed over.
+    // A control that does not exist is passed over. From now on the dialog does not paint over its controls.
     void add(HWND dialog, int controlId, unsigned edges);
-    // Moves the controls to where they belong in the dialog's present client area.
+    // Moves the controls to where they belong in the dialog's present client area. Their places follow from
+    // those noted, not from the last ones, so nothing adds up over many changes.
     void apply() const;
 
 private:

@@ -1,6 +1,9 @@
 #include "framework/dialog.h"
 
+#include "framework/exception.h"
 #include "framework/window.h"
+
+#include <cstring>
 
 namespace framework {
 
@@ -12,9 +15,29 @@ SIZE outerSize(HWND window) {
     return {area.right - area.left, area.bottom - area.top};
 }
 
-bool programEnds() {
-    MSG message;
-    return PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_NOREMOVE) != 0;
+// Size of the client area that the template asks for, in dialog units.
+SIZE templateUnits(HINSTANCE resources, UINT id) {
+    const HRSRC resource = FindResourceW(resources, MAKEINTRESOURCEW(id), RT_DIALOG);
+    const HGLOBAL loaded = resource ? LoadResource(resources, resource) : nullptr;
+    const auto* const bytes = loaded ? static_cast<const char*>(LockResource(loaded)) : nullptr;
+    if (!bytes)
+        return {};
+    // Extended templates begin with these two numbers and have longer fields.
+    const bool extended = std::memcmp(bytes, "\x01\x00\xff\xff", 4) == 0;
+    std::int16_t units[2];
+    std::memcpy(units, bytes + (extended ? 22 : 14), sizeof units);
+    return {units[0], units[1]};
+}
+
+// An exception that nobody will see. One that was thrown by pointer would leak.
+void release(std::exception_ptr failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (CException* exception) {
+        exception->Delete();
+    } catch (...) {
+        // goes with the last reference
+    }
 }
 
 }  // namespace
@@ -28,15 +51,20 @@ Dialog::~Dialog() {
 }
 
 std::intptr_t Dialog::DoModal() {
+    if (handle_)
+        return -1;
     failure_ = nullptr;
-    const std::intptr_t result = DialogBoxParamW(resources_, MAKEINTRESOURCEW(templateId_), parent_, dispatch,
-                                                 reinterpret_cast<LPARAM>(this));
+    result_.reset();
+    created_ = false;
+    // Its result does not tell a dialog that could not be created from one whose message loop ended.
+    DialogBoxParamW(resources_, MAKEINTRESOURCEW(templateId_), parent_, dispatch,
+                    reinterpret_cast<LPARAM>(this));
     handle_ = nullptr;
     if (failure_)
         std::rethrow_exception(std::exchange(failure_, nullptr));
-    if (result == 0)  // the parent is no window, or the message loop ended
-        return programEnds() ? IDCANCEL : -1;
-    return result;
+    if (result_)
+        return *result_;
+    return created_ ? IDCANCEL : -1;
 }
 
 std::wstring Dialog::controlText(int id) const {
@@ -53,15 +81,16 @@ void Dialog::enableControl(int id, bool enabled) {
 
 void Dialog::focusControl(int id) {
     // By the dialog's own message, which keeps the default button true.
-    SendMessageW(handle_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control(id)), TRUE);
+    if (const HWND window = control(id))
+        SendMessageW(handle_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(window), TRUE);
 }
 
 void Dialog::end(std::intptr_t result) {
+    result_ = result;
     EndDialog(handle_, result);
 }
 
 void Dialog::anchor(int controlId, unsigned edges) {
-    smallest_ = outerSize(handle_);
     anchors_.add(handle_, controlId, edges);
 }
 
@@ -73,10 +102,27 @@ void Dialog::setIcon(HICON icon) {
 INT_PTR CALLBACK Dialog::dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrW(window, DWLP_USER, lParam);
-        reinterpret_cast<Dialog*>(lParam)->handle_ = window;
+        reinterpret_cast<Dialog*>(lParam)->started(window);
     }
     auto* const self = reinterpret_cast<Dialog*>(GetWindowLongPtrW(window, DWLP_USER));
     return self ? self->receive(message, wParam, lParam) : FALSE;
+}
+
+void Dialog::started(HWND window) {
+    handle_ = window;
+    created_ = true;
+    const SIZE units = templateUnits(resources_, templateId_);
+    RECT area = {0, 0, units.cx, units.cy};
+    MapDialogRect(window, &area);
+    AdjustWindowRectEx(&area, static_cast<DWORD>(GetWindowLongPtrW(window, GWL_STYLE)), FALSE,
+                       static_cast<DWORD>(GetWindowLongPtrW(window, GWL_EXSTYLE)));
+    templateSize_ = {area.right - area.left, area.bottom - area.top};
+    // The system has cut off what the screen has no room for, with whatever lies there: the drafter could not
+    // reach it by moving the window.
+    const SIZE size = outerSize(window);
+    if (size.cx < templateSize_.cx || size.cy < templateSize_.cy)
+        SetWindowPos(window, nullptr, 0, 0, templateSize_.cx, templateSize_.cy,
+                     SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 INT_PTR Dialog::receive(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -98,8 +144,10 @@ INT_PTR Dialog::receive(UINT message, WPARAM wParam, LPARAM lParam) {
 
 // The first failure counts: what fails afterwards may only follow from it.
 void Dialog::fail(std::exception_ptr failure) {
-    if (!failure_)
-        failure_ = failure;
+    if (failure_)
+        release(std::move(failure));
+    else
+        failure_ = std::move(failure);
     EndDialog(handle_, IDABORT);
 }
 
@@ -112,10 +160,8 @@ INT_PTR Dialog::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (wParam != SIZE_MINIMIZED)
                 anchors_.apply();
             return FALSE;
-        case WM_GETMINMAXINFO:
-            if (smallest_.cx == 0)
-                return FALSE;
-            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {smallest_.cx, smallest_.cy};
+        case WM_GETMINMAXINFO:  // counts more than the largest size, that of the screen
+            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {templateSize_.cx, templateSize_.cy};
             return TRUE;
         default: return FALSE;
     }

@@ -10,6 +10,7 @@
 #include <exception>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -31,7 +32,9 @@ public:
     Dialog& operator=(const Dialog&) = delete;
 
     // Shows the dialog and returns what it was ended with: IDOK, IDCANCEL or a value of its own. -1 when it
-    // could not be created. IDCANCEL when the program ends meanwhile.
+    // could not be created: there is no such template, one of its controls has an unknown class, the parent
+    // is gone, or the dialog is open already. IDCANCEL when its window is destroyed by others or the program
+    // ends meanwhile (the WM_QUIT stays for the loops around it); onCancel is not called then.
     std::intptr_t DoModal();
 
     // Null while the dialog is not open.
@@ -71,13 +74,19 @@ protected:
         };
     }
 
-    // In onInitDialog; the dialog can then not be made smaller than its template.
+    // In onInitDialog. The dialog's edges can be dragged when its template has WS_THICKFRAME; it then never
+    // gets smaller than the template.
     void anchor(int controlId, unsigned edges);
+    // icon: stays the caller's.
     void setIcon(HICON icon);
+    // Size of the window as the template asks for it with the present font: no smaller even on a small
+    // screen.
+    SIZE templateSize() const { return templateSize_; }
 
 private:
     static INT_PTR CALLBACK dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     INT_PTR receive(UINT message, WPARAM wParam, LPARAM lParam);
+    void started(HWND window);
     void fail(std::exception_ptr failure);
     bool command(int id, int code);
     bool notify(const NMHDR& header);
@@ -87,7 +96,9 @@ private:
     HWND parent_;
     HINSTANCE resources_;
     HWND handle_ = nullptr;
-    SIZE smallest_{};
+    SIZE templateSize_{};
+    bool created_ = false;
+    std::optional<std::intptr_t> result_;  // of end
     Anchors anchors_;
     std::map<Place, std::function<void()>> commands_;
     std::map<Place, std::function<LRESULT(const NMHDR&)>> notifications_;

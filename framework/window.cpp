@@ -61,10 +61,14 @@ LRESULT CALLBACK Window::dispatch(HWND window, UINT message, WPARAM wParam, LPAR
     } catch (...) {
         failDialogOf(window, std::current_exception());
     }
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, dispatch, id);
-        self->handle_ = nullptr;
+    if (message != WM_NCDESTROY)
+        return result;
+    RemoveWindowSubclass(window, dispatch, id);
+    self->handle_ = nullptr;
+    try {
         self->onDestroyed();
+    } catch (...) {
+        failDialogOf(window, std::current_exception());
     }
     return result;
 }
@@ -82,8 +86,16 @@ UINT failureMessage() {
 }
 
 void failDialogOf(HWND window, std::exception_ptr failure) {
+    const auto taken = [&failure](HWND candidate) {
+        return SendMessageW(candidate, failureMessage(), 0, reinterpret_cast<LPARAM>(&failure)) == 1;
+    };
     for (HWND candidate = window; candidate; candidate = GetParent(candidate)) {
-        if (SendMessageW(candidate, failureMessage(), 0, reinterpret_cast<LPARAM>(&failure)) == 1)
+        if (taken(candidate))
+            return;
+    }
+    // A list that drops down belongs to no window.
+    for (HWND candidate = GetActiveWindow(); candidate; candidate = GetParent(candidate)) {
+        if (taken(candidate))
             return;
     }
     std::terminate();

@@ -49,8 +49,8 @@ private:
 
 std::wstring textOf(HWND window);
 
-// Ends the framework's dialog that holds the window, and has its DoModal throw the exception. Without such a
-// dialog the program ends: nobody could be told.
+// Ends the framework's dialog that holds or owns the window, otherwise the active one, and has its DoModal
+// throw the exception. Without such a dialog the program ends: nobody could be told.
 void failDialogOf(HWND window, std::exception_ptr failure);
 // The message that carries a failure to the dialog; its second parameter is a pointer to the exception_ptr. A
 // dialog answers 1.

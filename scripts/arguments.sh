@@ -85,6 +85,12 @@ parse_run_option() {
     HOST_ARGUMENTS+=("$1" "$WINDOWS_PATH")
 }
 
+# Behind the caller's own folders: the LISP programs of the product.
+search_product_programs() {
+    windows_path "$TESSARY_ROOT/lisp"
+    HOST_ARGUMENTS+=(--support "$WINDOWS_PATH")
+}
+
 # parse_run_arguments ARGUMENT...: fills HOST_ARGUMENTS, what drafthost.exe is given after the module: the options, then
 # the programs. Options may stand among the programs; after -- there are only programs.
 parse_run_arguments() {
@@ -106,6 +112,7 @@ parse_run_arguments() {
     if [ "${#programs[@]}" = 0 ] && [[ " ${HOST_ARGUMENTS[*]} " != *\ --@(save|picture|shaded|export)\ * ]]; then
         fail "$STATUS_USAGE" "no program to run" "./tessary run [options] PROGRAM.lsp ..."
     fi
+    search_product_programs
     HOST_ARGUMENTS+=("${programs[@]}")
 }
 
@@ -118,4 +125,5 @@ parse_repl_arguments() {
         parse_run_option "$1" "$2"
         shift 2
     done
+    search_product_programs
 }

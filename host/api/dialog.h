@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include <memory>
+#include <optional>
 #include <string>
 
 #include "framework/dialog.h"
@@ -14,8 +14,9 @@
 DRAFTHOST_API HWND adsw_acadMainWnd();
 
 // A dialog that appears where the drafter left it, in the size it had. Its place is kept per user in the
-// host's profile, under the name given; a place that no screen shows any more is moved to where it is
-// visible. A dialog without a kept place is centred on its owner, or on the screen.
+// host's profile, under the name given, when the drafter moved or resized it; a place that no screen shows
+// any more is moved to where it is visible, and no dialog gets smaller than its template. A dialog without a
+// kept place is centred on its owner, or on the screen.
 class DRAFTHOST_API AcEdDialog : public framework::Dialog {
 public:
     AcEdDialog(UINT templateId, HWND parent, HINSTANCE resources);
@@ -30,4 +31,5 @@ protected:
 
 private:
     std::wstring name_;
+    std::optional<RECT> shownAt_;  // from onInitDialog until the window goes
 };

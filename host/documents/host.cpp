@@ -27,7 +27,7 @@ void argumentsReleased(const resbuf* list) {
 
 Host::Host()
     : services_(*this), files_(services_), modules_(*this), calls_(*this), documents_(*this),
-      messageBoxes_(*this) {
+      dialogAnswers_(*this) {
     setInput(nullptr);
     writeAllowed = documentWritable;
     valueListReleased = argumentsReleased;

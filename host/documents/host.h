@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "host/dialogs/dialog_answers.h"
 #include "host/documents/document_manager.h"
 #include "host/documents/host_services.h"
 #include "host/documents/modules.h"
 #include "host/editor/command_line.h"
 #include "host/editor/external_calls.h"
-#include "host/editor/message_boxes.h"
 #include "host/editor/selection_set.h"
 #include "host/editor/system_variables.h"
 
@@ -33,7 +33,6 @@ public:
     Modules& modules() { return modules_; }
     editor::ExternalCalls& calls() { return calls_; }
     DocumentManager& documents() { return documents_; }
-    editor::MessageBoxes& messageBoxes() { return messageBoxes_; }
 
     // Who answers. The source must live as long as it is set; null: nobody.
     void setInput(std::unique_ptr<editor::InputSource> source);
@@ -66,7 +65,7 @@ private:
     Modules modules_;
     editor::ExternalCalls calls_;
     DocumentManager documents_;
-    editor::MessageBoxes messageBoxes_;
+    dialogs::DialogAnswers dialogAnswers_;
 };
 
 Host& theHost();

@@ -14,7 +14,7 @@ const wchar_t* const kUsage =
     L"       drafthost repl [option]... [PROGRAM.lsp]...\n"
     L"  --module FILE     loads an add-in module; may be given several times\n"
     L"  --open FILE       the drawing to open; otherwise a new one\n"
-    L"  --answers FILE    answers for prompts, picks and message boxes\n"
+    L"  --answers FILE    answers for prompts, picks, dialogs and message boxes\n"
     L"  --save FILE       writes the drawing as DXF afterwards\n"
     L"  --picture FILE    writes a picture, .png or .svg, afterwards; may be given several times\n"
     L"  --shaded FILE     writes a shaded picture, .png, afterwards; may be given several times\n"

@@ -23,7 +23,7 @@ std::wstring coordinates(const AcGePoint3d& point, int dimension) {
 }  // namespace
 
 bool isForDialog(Answer::Kind kind) {
-    return kind >= Answer::Kind::Press && kind <= Answer::Kind::GridCell;
+    return kind >= Answer::Kind::Press && kind <= Answer::Kind::Resize;
 }
 
 std::wstring shownText(const Answer& answer) {

@@ -39,6 +39,10 @@ struct Answer {
         Choose,  // text of an entry
         GridRow,
         GridCell,
+        GridDoubleClick,
+        Key,         // text: its name, "Control+Left"
+        Screenshot,  // text: file
+        Resize,      // width, height
         Exhausted,  // nothing more will come
     };
     Kind kind = Kind::Exhausted;
@@ -49,6 +53,7 @@ struct Answer {
     bool on = false;
     int control = 0;  // dialog control id; 0: the button is named by its text
     int row = 0, column = 0;
+    int width = 0, height = 0;  // pixels
     std::wstring text;
     AcDbObjectId entity;
     std::shared_ptr<SelectionSet> set;

@@ -6,6 +6,8 @@
 #include <optional>
 #include <sstream>
 
+#include "host/editor/key_names.h"
+
 namespace drafthost::editor {
 
 namespace {
@@ -170,6 +172,23 @@ bool readCell(Words& words, Answer& answer) {
     return column.has_value() && readText(words, answer);
 }
 
+bool readDoubleClick(Words& words, Answer& answer) {
+    return readCell(words, answer) && answer.text.empty();
+}
+
+bool readKey(Words& words, Answer& answer) {
+    answer.text = words.word();
+    return parseKey(answer.text).has_value();
+}
+
+bool readSize(Words& words, Answer& answer) {
+    const auto width = words.integer();
+    const auto height = words.integer();
+    answer.width = width.value_or(0);
+    answer.height = height.value_or(0);
+    return answer.width > 0 && answer.height > 0;
+}
+
 struct Action {
     const wchar_t* name;
     Kind kind;
@@ -198,6 +217,10 @@ constexpr Action kActions[] = {
     {L"choose", Kind::Choose, readControlText, L"choose #ID TEXT"},
     {L"row", Kind::GridRow, readRow, L"row #ID ROW"},
     {L"cell", Kind::GridCell, readCell, L"cell #ID ROW COLUMN TEXT"},
+    {L"double", Kind::GridDoubleClick, readDoubleClick, L"double #ID ROW COLUMN"},
+    {L"key", Kind::Key, readKey, L"key NAME, a key like Tab or Control+Left"},
+    {L"screenshot", Kind::Screenshot, readKeyword, L"screenshot FILE"},
+    {L"resize", Kind::Resize, readSize, L"resize WIDTH HEIGHT"},
 };
 
 // The action's name as written; empty for answers that did not come from a file.
@@ -255,7 +278,8 @@ Answer ScriptedDrafter::take(const std::wstring& waitedFor) {
     if (position_ < actions_.size())
         return actions_[position_++];
     if (!warned_)
-        warn_(name_ + L" is used up: the host waits for " + waitedFor + L" and gets an empty response");
+        warn_(name_ + L" is used up: the host waits for " + waitedFor +
+              (dialogWaits_ ? L", which is cancelled" : L" and gets an empty response"));
     warned_ = true;
     return Answer::of(Kind::Exhausted);
 }
@@ -267,7 +291,7 @@ Answer ScriptedDrafter::next(const InputRequest& request) {
 
 Answer ScriptedDrafter::nextForBox(const BoxRequest& box) {
     dialogWaits_ = true;
-    return take(L"a button of \"" + box.caption + L"\"");
+    return take(L"the dialog \"" + box.caption + L"\"");
 }
 
 bool ScriptedDrafter::refuse(const Answer& answer, const std::wstring& waitedFor,

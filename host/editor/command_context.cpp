@@ -191,17 +191,4 @@ void CommandContext::erase(const std::vector<AcDbObjectId>& entities) {
     change(entities, [](AcDbEntity& entity) { return entity.erase(); });
 }
 
-std::optional<int> colorIndex(std::wstring_view text) {
-    static constexpr const wchar_t* kNames[] = {L"BYBLOCK", L"RED",  L"YELLOW",  L"GREEN",
-                                                L"CYAN",    L"BLUE", L"MAGENTA", L"WHITE"};
-    const auto named = std::find_if(std::begin(kNames), std::end(kNames),
-                                    [&](const wchar_t* name) { return equalNames(text, name); });
-    if (named != std::end(kNames))
-        return static_cast<int>(named - std::begin(kNames));
-    if (equalNames(text, L"BYLAYER"))
-        return 256;
-    const auto number = typedInteger(text);
-    return number && *number >= 0 && *number <= 256 ? number : std::nullopt;
-}
-
 }  // namespace drafthost::editor

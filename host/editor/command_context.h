@@ -73,7 +73,4 @@ private:
     std::wstring name_;
 };
 
-// "red" or "1" to an index, 0 by block, 256 by layer; nothing for another text.
-std::optional<int> colorIndex(std::wstring_view text);
-
 }  // namespace drafthost::editor

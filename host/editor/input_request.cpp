@@ -122,6 +122,10 @@ std::wstring describe(const InputRequest& request) {
                : text + L" or a keyword (" + request.keywords.shown() + L")";
 }
 
+std::wstring describe(const BoxRequest& box) {
+    return (box.isMessageBox ? L"a button of \"" : L"the dialog \"") + box.caption + L"\"";
+}
+
 std::wstring complaint(const InputRequest& request) {
     const Complaint& row = kComplaints[static_cast<std::size_t>(request.kind)];
     return request.keywords.empty() ? row.plain : row.withKeywords;

@@ -64,11 +64,15 @@ std::wstring describe(const InputRequest& request);
 // What a terminal shows for an answer that cannot be used: "Requires an integer value."
 std::wstring complaint(const InputRequest& request);
 
-// A dialog of the process that waits for a button.
+// A dialog of the process that waits for the drafter.
 struct BoxRequest {
     std::wstring caption;
-    std::wstring text;
+    std::wstring text;                  // of a message box
     std::vector<std::wstring> buttons;  // without "&"
+    bool isMessageBox = true;           // nothing but a text and buttons
 };
+
+// What is waited for, for messages: `a button of "Save"`, `the dialog "Layers"`.
+std::wstring describe(const BoxRequest& box);
 
 }  // namespace drafthost::editor

@@ -22,8 +22,10 @@ class InputSource {
 public:
     virtual ~InputSource() = default;
     virtual Answer next(const InputRequest& request) = 0;
-    // A dialog waits for a button. Answers of a kind other than Press and Cancel do not fit.
+    // A dialog waits. Message boxes take Press, Enter and Cancel only.
     virtual Answer nextForBox(const BoxRequest& box) = 0;
+    // False: dialogs are left to the drafter's own mouse and keyboard, and only message boxes are asked for.
+    virtual bool answersDialogs() const { return true; }
     // True: the request is put again. False: it counts as cancelled.
     virtual bool refuse(const Answer& answer, const std::wstring& waitedFor,
                         const std::wstring& complaint) = 0;

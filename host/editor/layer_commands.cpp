@@ -5,6 +5,7 @@
 #include "host/api/symbol_tables.h"
 #include "host/database/database_impl.h"
 #include "host/database/names.h"
+#include "host/editor/color_names.h"
 #include "host/editor/command_context.h"
 #include "host/editor/command_tables.h"
 

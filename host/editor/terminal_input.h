@@ -36,6 +36,8 @@ public:
     // A box with one button is shown as text and closed; others are asked like a prompt.
     Answer nextForBox(const BoxRequest& box) override;
     bool refuse(const Answer& answer, const std::wstring& waitedFor, const std::wstring& complaint) override;
+    // Where no terminal is connected nobody sees a dialog: its buttons are asked for like those of a box.
+    bool answersDialogs() const override;
     bool needsEcho() const override { return echo_; }
 
 private:

@@ -8,6 +8,7 @@
 
 #include "host/database/database_impl.h"
 #include "host/documents/host.h"
+#include "host/editor/color_names.h"
 #include "host/editor/command_context.h"
 #include "host/editor/commands.h"
 #include "host/editor/coordinates.h"

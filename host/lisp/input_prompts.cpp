@@ -1,5 +1,7 @@
 // Asking the drafter: getpoint and its relatives, entsel, grread.
 
+#include "host/api/color_dialog.h"
+#include "host/api/symbol_tables.h"
 #include "host/documents/document.h"
 #include "host/editor/entity_pick.h"
 #include "host/editor/value_conversion.h"
@@ -194,7 +196,7 @@ Value grread(Interpreter& interpreter, Arguments arguments) {
     return event(code, editor::pointValue(interpreter, answer.point));
 }
 
-// File and colour dialogs are asked for at the command line, as with dialogs switched off.
+// The file dialog is asked for at the command line, as with dialogs switched off.
 Value getfiled(Interpreter& interpreter, Arguments arguments) {
     InputRequest request;
     const std::wstring& usual = arguments.string(1);
@@ -206,15 +208,21 @@ Value getfiled(Interpreter& interpreter, Arguments arguments) {
     return interpreter.string(answer.text);
 }
 
+// What ByLayer stands for when something is drawn now.
+int currentLayerColor(const AcDbDatabase& database) {
+    const AcDbObjectPointer<AcDbLayerTableRecord> layer(database.clayer(), AcDb::kForRead);
+    return layer ? layer->colorIndex() : 7;
+}
+
+// (acad_colordlg color [flag])
 Value colorDialog(Interpreter& interpreter, Arguments arguments) {
-    InputRequest request;
-    request.kind = Kind::Integer;
-    request.prompt = L"\nNew color <" + std::to_wstring(arguments.integer(0)) + L">: ";
-    const InputResult answer = documentOf(interpreter).prompts().ask(request);
-    if (answer.status == RTNONE)
-        return arguments[0];
-    const bool valid = answer.status == RTNORM && answer.integer >= 0 && answer.integer <= 256;
-    return valid ? Value::integer(answer.integer) : Value();
+    int color = arguments.integer(0);
+    if (color < 0 || color > 256)
+        raiseBadArgumentValue(L"color index", arguments[0]);
+    const bool allowByBlockByLayer = arguments.size() < 2 || arguments.has(1);
+    const AcDbDatabase& database = *documentOf(interpreter).database();
+    return acedSetColorDialog(color, allowByBlockByLayer, currentLayerColor(database)) ? Value::integer(color)
+                                                                                       : Value();
 }
 
 constexpr BuiltinDefinition kTable[] = {
@@ -236,7 +244,8 @@ constexpr BuiltinDefinition kTable[] = {
     {L"getfiled", getfiled, 4, 4,
      L"(getfiled title default extension flags) -> name typed at the command line, or nil"},
     {L"acad_colordlg", colorDialog, 1, 2,
-     L"(acad_colordlg index [bylayer]) -> index typed at the command line, or nil"},
+     L"(acad_colordlg color [flag]) -> color index chosen in the color dialog, or nil; flag nil: neither "
+     L"ByBlock (0) nor ByLayer (256)"},
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "module/ducts/arc_intersections.h"
 #include "module/ducts/duct_functions.h"
 #include "module/leader/leader_functions.h"
+#include "module/standards/layers_dialog.h"
 
 #include <iterator>
 
@@ -45,7 +46,7 @@ constexpr FunctionEntry functions[] = {
     {L"qn_qn-shellExecute", unavailableThunk},
     {L"ed_editMultilineText", unavailableThunk},
     {L"qn_qn-customizeLabelGroup", unavailableThunk},
-    {L"qn_qn-customizeLayers", unavailableThunk},
+    {L"qn_qn-customizeLayers", drawingThunk<customizeLayers>},
     {L"qn_qn-customizeTextStyles", unavailableThunk},
     {L"asin", drawingThunk<arcSine>},
     {L"acos", drawingThunk<arcCosine>},

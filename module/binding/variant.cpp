@@ -40,6 +40,13 @@ Variant Variant::fromBool(bool value) {
     return result;
 }
 
+Variant Variant::fromShort(short value) {
+    Variant result;
+    result.value_.vt = VT_I2;
+    result.value_.iVal = value;
+    return result;
+}
+
 Variant Variant::null() {
     Variant result;
     result.value_.vt = VT_NULL;

@@ -30,6 +30,7 @@ public:
 
     static Variant fromReal(double value);
     static Variant fromBool(bool value);
+    static Variant fromShort(short value);
     static Variant null();
     static Variant fromArray(SafeArray array);
 

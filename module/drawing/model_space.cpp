@@ -1,7 +1,7 @@
 #include "module/drawing/model_space.h"
 
-#include "host/api/documents.h"
 #include "host/api/editor.h"
+#include "module/binding/document_lock.h"
 #include "module/binding/value_list.h"
 #include "module/drawing/block_file.h"
 
@@ -11,20 +11,6 @@
 namespace tessary {
 
 namespace {
-
-// Holds the write lock of the working database's document.
-class DocumentLock {
-public:
-    DocumentLock() : document_(acDocManager->document(acdbHostApplicationServices()->workingDatabase())) {
-        acDocManager->lockDocument(document_, AcAp::kWrite, nullptr, nullptr, true);
-    }
-    ~DocumentLock() { acDocManager->unlockDocument(document_); }
-    DocumentLock(const DocumentLock&) = delete;
-    DocumentLock& operator=(const DocumentLock&) = delete;
-
-private:
-    AcApDocument* document_;
-};
 
 // A symbol table of the current drawing, open for read; null when it cannot be opened.
 template <class Table>
@@ -62,7 +48,7 @@ AcDbDatabase* currentDatabase() {
 }
 
 bool appendToModelSpace(AcDbEntity* entity) {
-    const DocumentLock lock;
+    const DocumentLock lock(acDocManager->document(acdbHostApplicationServices()->workingDatabase()));
     const auto blockTable = openTable<AcDbBlockTable>();
     if (!blockTable) {
         acedAlert(L"Failed to get block table!");

@@ -25,6 +25,15 @@ enum class GridColumnType {
 struct GridChoices {
     std::vector<std::wstring> texts;
     std::vector<int> data;  // parallel to texts; a choice without a datum has 0
+
+    // The first choice with that text or datum; -1 when there is none.
+    int find(std::wstring_view text) const;
+    int findDatum(int datum) const;
+    int datumOf(int choice) const;
+
+    // Long lists are searched by order: every row of a grid may ask. Made by the first search; the numbers of
+    // the choices, so that a copy of the list may keep them.
+    mutable std::vector<std::uint32_t> textOrder{}, datumOrder{};
 };
 using GridChoicesPointer = std::shared_ptr<const GridChoices>;
 
@@ -38,6 +47,9 @@ public:
     // The text as it was set.
     virtual const std::wstring& text() const = 0;
     virtual void setText(std::wstring_view text) = 0;
+    // The text as the drafter sees and edits it.
+    virtual const std::wstring& shownText() const { return text(); }
+    virtual void setShownText(std::wstring_view text) { setText(text); }
 
     // How the cell is edited and drawn, whatever its column's type.
     virtual GridColumnType kind() const { return GridColumnType::text; }
@@ -67,8 +79,9 @@ private:
 // A drop-down. The text need not be among its choices.
 class CGridCellCombo final : public CGridCell {
 public:
-    CGridCellCombo(GridChoicesPointer choices, bool editable)
-        : choices_(std::move(choices)), editable_(editable) {}
+    // lookedUp: the text is a choice's datum, or its number (from 0) in a list without data.
+    CGridCellCombo(GridChoicesPointer choices, bool editable, bool lookedUp = false)
+        : choices_(std::move(choices)), editable_(editable), lookedUp_(lookedUp) {}
     std::unique_ptr<CGridCellBase> clone() const override { return std::make_unique<CGridCellCombo>(*this); }
     GridColumnType kind() const override {
         return editable_ ? GridColumnType::editableDropDown : GridColumnType::choiceDropDown;
@@ -76,10 +89,17 @@ public:
     int selectedData() const override;
     const GridChoices* choices() const override { return choices_.get(); }
     void setChoices(GridChoicesPointer choices) { choices_ = std::move(choices); }
+    const std::wstring& shownText() const override;
+    void setShownText(std::wstring_view text) override;
+    bool isLookedUp() const { return lookedUp_; }
 
 private:
+    // -1 when the text is no choice.
+    int selectedChoice() const;
+
     GridChoicesPointer choices_;  // null: none
     bool editable_;
+    bool lookedUp_;
 };
 
 // A check box. Any text but "0" checks it; its own text is then "1", otherwise "0".
@@ -88,6 +108,8 @@ public:
     std::unique_ptr<CGridCellBase> clone() const override { return std::make_unique<CGridBtnCell>(*this); }
     const std::wstring& text() const override;
     void setText(std::wstring_view text) override { checked_ = text != L"0"; }
+    // Nothing: the box is drawn instead.
+    const std::wstring& shownText() const override;
     GridColumnType kind() const override { return GridColumnType::checkBox; }
     bool isChecked() const { return checked_; }
 
@@ -103,6 +125,7 @@ public:
     GridColumnType kind() const override { return GridColumnType::tree; }
     int level() const { return level_; }
     bool isExpanded() const { return expanded_; }
+    // Of a cell in a grid, through GridModel::setExpanded, which shows or hides the rows below.
     void setExpanded(bool expanded) { expanded_ = expanded; }
 
 private:

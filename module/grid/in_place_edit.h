@@ -2,38 +2,33 @@
 
 // The text editor over a cell of the grid.
 
-#include "framework/window.h"
+#include "module/grid/in_place_editor.h"
 
 #include <string>
 
 namespace tessary {
 
-class CGridCtrl;
-
-// Ends when it loses the focus: sends its end-edit notification to the grid and closes. Deletes itself with
-// its window.
-class CInPlaceEdit final : public framework::Window {
+// Ends when it loses the focus.
+class CInPlaceEdit final : public InPlaceEditor {
 public:
-    // Shows the editor and gives it the focus. firstKey: what started the editing, VK_LBUTTON for a click.
-    // Null when the window could not be made.
+    // Shows the editor and gives it the focus. area: of the cell, in client coordinates of the grid.
+    // firstKey: what started the editing, a key, a character or VK_LBUTTON for a click; the keys 33 to 40 are
+    // those of the keyboard and not the characters with these codes. Null when the window could not be made
+    // or did not keep the focus.
     static CInPlaceEdit* open(CGridCtrl& grid, const RECT& area, DWORD style, int controlId, int row,
                               int column, const std::wstring& initialText, UINT firstKey);
-    void endEdit();
 
 protected:
+    std::wstring result() override { return text(); }
+    void closeWindow() override;
     LRESULT handleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    void onDestroyed() override;
 
 private:
-    explicit CInPlaceEdit(CGridCtrl& grid) : grid_(grid) {}
+    using InPlaceEditor::InPlaceEditor;
+    LRESULT onChar(WPARAM character, LPARAM data);
+    void fitWidth();
 
-    CGridCtrl& grid_;
-    std::wstring initText_;
-    int row_ = -1;
-    int column_ = -1;
-    UINT lastChar_ = 0;          // the key that ended the editing; 0: none did
-    bool exitOnArrows_ = false;  // not when a click opened the editor: arrows then move the caret
-    RECT rect_{};
+    RECT rect_{};  // of the cell, as far as the grid shows it
 };
 
 }  // namespace tessary

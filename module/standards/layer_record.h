@@ -11,15 +11,13 @@ public:
     CTblLayer(bool skipMasterLink, ConnectionPointer connection);
 
     bool seekByName(const std::wstring& name);
-    // True also without a connection.
-    bool isBOF();
-    bool isEOF();
-    void moveFirst();
-    void moveNext();
-    void moveLast();
-    void addNew();
-    // Deletes the loaded row.
-    void remove();
+    using StandardsRecord::addNew;
+    using StandardsRecord::isBOF;
+    using StandardsRecord::isEOF;
+    using StandardsRecord::moveFirst;
+    using StandardsRecord::moveLast;
+    using StandardsRecord::moveNext;
+    using StandardsRecord::remove;
 
     int ixLayer() const;
     const std::wstring& sName() const;

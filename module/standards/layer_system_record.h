@@ -21,10 +21,10 @@ class CTblLayerSystem final : public StandardsRecord {
 public:
     CTblLayerSystem(bool skipMasterLink, ConnectionPointer connection);
 
-    bool isEOF();  // true also without a connection
-    void moveFirst();
-    void moveNext();
-    void addNew();
+    using StandardsRecord::addNew;
+    using StandardsRecord::isEOF;
+    using StandardsRecord::moveFirst;
+    using StandardsRecord::moveNext;
 
     int ixLayerSystem() const;
     const std::wstring& sDescription() const;

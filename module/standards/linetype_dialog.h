@@ -20,8 +20,11 @@ public:
 protected:
     bool onInitDialog() override;
     void onOK() override;
+    INT_PTR handleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
+    void fill();
+
     CGridCtrl grid_;
     std::wstring linetype_;
 };

@@ -7,6 +7,7 @@
 
 #include "host/editor/answers_file.h"
 #include "host/editor/command_line.h"
+#include "host/editor/key_names.h"
 #include "host/editor/terminal_input.h"
 
 using namespace drafthost::editor;
@@ -134,16 +135,23 @@ INSTANTIATE_TEST_SUITE_P(
                     BadLine{L"press #x", L"the action is written: press TEXT or press #ID"},
                     BadLine{L"check #5 maybe", L"the action is written: check #ID on or check #ID off"},
                     BadLine{L"cell #5 1", L"the action is written: cell #ID ROW COLUMN TEXT"},
+                    BadLine{L"double #5 1 2 x", L"the action is written: double #ID ROW COLUMN"},
+                    BadLine{L"key Kontrol+A",
+                            L"the action is written: key NAME, a key like Tab or Control+Left"},
+                    BadLine{L"key F25", L"the action is written: key NAME, a key like Tab or Control+Left"},
+                    BadLine{L"screenshot", L"the action is written: screenshot FILE"},
+                    BadLine{L"resize 10 0", L"the action is written: resize WIDTH HEIGHT"},
                     BadLine{L"enter now", L"the action is written: enter"}));
 
 TEST(AnswersFile, ReadsEveryActionWithItsValues) {
     AnswersFileError problem;
     const auto actions =
         parseAnswers(L"\xFEFFpoint 1 2 3\r\n  angle 90\nstring a  b # c \nwindow 0 0 4 5\npress #12\n"
-                     L"cell #7 2 3 x y\ncheck #8 off\n",
+                     L"cell #7 2 3 x y\ncheck #8 off\ncell #7 2 3\ndouble #9 4 5\nkey Control+Left\n"
+                     L"screenshot a b.png\nresize 300 200\n",
                      L"a", problem);
     ASSERT_EQ(problem.line, 0) << "line " << problem.line;
-    ASSERT_EQ(actions.size(), 7u);
+    ASSERT_EQ(actions.size(), 12u);
     EXPECT_EQ(actions[0].dimension, 3);
     EXPECT_EQ(actions[0].point.z, 3);
     EXPECT_NEAR(actions[1].number, 1.5707963, 1e-6);
@@ -154,6 +162,23 @@ TEST(AnswersFile, ReadsEveryActionWithItsValues) {
     EXPECT_EQ(actions[5].text, L"x y");
     EXPECT_FALSE(actions[6].on);
     EXPECT_EQ(actions[6].origin, L"a line 7");
+    EXPECT_EQ(actions[7].text, L"");
+    EXPECT_EQ(actions[8].column, 5);
+    EXPECT_EQ(actions[9].text, L"Control+Left");
+    EXPECT_EQ(actions[10].text, L"a b.png");
+    EXPECT_EQ(actions[11].height, 200);
+}
+
+TEST(KeyNames, AreReadWithTheirModifiers) {
+    const auto key = parseKey(L"control+Shift+left");
+    ASSERT_TRUE(key);
+    EXPECT_EQ(key->virtualKey, 37u);
+    EXPECT_TRUE(key->control && key->shift && key->extended);
+    EXPECT_FALSE(key->alt);
+    EXPECT_EQ(parseKey(L"F12")->virtualKey, 123u);
+    EXPECT_EQ(parseKey(L"a")->virtualKey, 65u);
+    for (const wchar_t* const name : {L"", L"+", L"Control+", L"F0", L"F1x", L"ab", L"Left+Control"})
+        EXPECT_FALSE(parseKey(name)) << name;
 }
 
 TEST(TerminalInput, AsksForAButtonOfABoxWithSeveralAndClosesOneWithASingleButton) {

@@ -30,6 +30,7 @@ void show(std::ostream& out, const VARIANT& value) {
         case VT_EMPTY: out << " empty"; break;
         case VT_NULL: out << " null"; break;
         case VT_I4: out << ' ' << value.lVal; break;
+        case VT_I2: out << " short:" << value.iVal; break;
         case VT_R8: out << " real:" << value.dblVal; break;
         case VT_BOOL: out << " bool:" << value.boolVal; break;
         case VT_BSTR: out << " '" << narrow(textOf(value.bstrVal)) << "'"; break;

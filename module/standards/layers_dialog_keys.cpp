@@ -1,0 +1,176 @@
+#include "module/standards/layers_dialog.h"
+
+#include "module/drawing/text_helpers.h"
+#include "module/standards/layer_callbacks.h"
+#include "module/standards/layer_row.h"
+#include "module/standards/layer_system_columns.h"
+#include "module/standards/layers_dialog_parts.h"
+#include "module/standards/list_grid.h"
+#include "module/standards/statements.h"
+
+#include <utility>
+
+namespace tessary {
+
+namespace {
+
+std::wstring keysStatement(int system) {
+    const std::wstring owner =
+        system == generalSystem ? std::wstring(L" is Null") : L" = " + intToString(system);
+    return L"select ixLayerKey, ixLayer, sKey from tblLayerKey where ixLayerSystem" + owner +
+           L" order by sKey";
+}
+
+}  // namespace
+
+// The keys of the system whose row has the focus. Nothing at all while they are shown already.
+void CLayerCustomization::fillLayerKeys() {
+    const int system = focusedSystem();
+    if (system == shownSystem_) {
+        return;
+    }
+    shownSystem_ = system;
+    const FillingList filling(keys_);
+    clearList(keys_);
+    const auto rows = selectRows(*connection_, keysStatement(system));
+    if (!rows || rows->empty()) {
+        return;
+    }
+    for (const SelectedRow& row : *rows) {
+        if (row.size() == 3) {
+            addKey(variantToInt(row[0].get()), variantToInt(row[1].get()), variantToText(row[2].get(), 0));
+        }
+    }
+    keys_.sortByColumn(compareGridTexts, LayerKeyColumn::sortText, true);
+    fitKeyColumns();
+    if (keys_.rowCount() > 1) {
+        keys_.focusCell(1, LayerKeyColumn::displayName);
+        showLayerOfKey(1);
+    }
+}
+
+// The electrical settings are looked up for each key anew, since the LISP code forgets them between calls.
+void CLayerCustomization::addKey(int ixLayerKey, int ixLayer, const std::wstring& key) {
+    layer_callbacks::setElectricalGlobals(databasePath());
+    if (!layer_callbacks::isKeyShown(key)) {
+        return;
+    }
+    const std::wstring sortText = layer_callbacks::sortText(key);
+    const std::wstring displayName = layer_callbacks::displayName(key);
+    const int row = keys_.appendRow();
+    keys_.setText(row, LayerKeyColumn::displayName, displayName);
+    keys_.setText(row, LayerKeyColumn::key, intToString(ixLayerKey));
+    keys_.setText(row, LayerKeyColumn::sortText, sortText);
+    keys_.setText(row, LayerKeyColumn::loadedLayer, intToString(ixLayer));
+    if (layer_->seekByIx(ixLayer)) {
+        keys_.setText(row, LayerKeyColumn::layerName, layer_->sName());
+    }
+}
+
+void CLayerCustomization::fitKeyColumns() {
+    keys_.autoSizeColumns();
+    keys_.extendLastColumn();
+}
+
+// A key without a layer of the list, because its own is gone from the database, is left as it is there.
+void CLayerCustomization::saveLayerKeys() {
+    layerKey_->setIndex(L"ixLayerKey");
+    for (int row = 1; row < keys_.rowCount(); ++row) {
+        const CGridCellBase* const choice = keys_.cell(row, LayerKeyColumn::layerName);
+        const int layer = choice ? choice->selectedData() : 0;
+        if (layer == 0 || !layerKey_->seekByIx(leadingInteger(keys_.text(row, LayerKeyColumn::key)))) {
+            continue;
+        }
+        layerKey_->edit();
+        layerKey_->setLayer(layer);
+        layerKey_->update();
+    }
+}
+
+// The keys of the focused system are shown already, so this changes nothing. The button is kept as it is:
+// drafters have learnt that assignments only go back by Cancel, and would lose them otherwise.
+void CLayerCustomization::undoLayerKeyChanges() {
+    fillLayerKeys();
+}
+
+// The layers that the database has. Without any, the list stays as it was: a key keeps showing the layer that
+// it had.
+void CLayerCustomization::refreshLayerChoices() {
+    GridChoices choices;
+    eachLayer([&](const CTblLayer& layer) {
+        choices.texts.push_back(layer.sName());
+        choices.data.push_back(layer.ixLayer());
+        return true;
+    });
+    if (!choices.texts.empty()) {
+        setLayerChoices(std::move(choices));
+    }
+}
+
+void CLayerCustomization::takeLayerChoicesFromGrid() {
+    GridChoices choices;
+    for (int row = 1; row < layers_.rowCount(); ++row) {
+        choices.texts.push_back(layers_.text(row, LayerColumn::name));
+        choices.data.push_back(layerKey(row));
+    }
+    setLayerChoices(std::move(choices));
+}
+
+void CLayerCustomization::setLayerChoices(GridChoices choices) {
+    keys_.setColumnChoices(LayerKeyColumn::layerName, std::move(choices.texts));
+    keys_.setColumnChoiceData(LayerKeyColumn::layerName, std::move(choices.data));
+    keys_.applyColumnChoices(LayerKeyColumn::layerName);
+    keys_.refresh();
+}
+
+// Goes by the layer that a key had when it was loaded: a key that the drafter has pointed elsewhere since
+// follows its old layer again when that one is renamed.
+void CLayerCustomization::renameLayerOfKeys(int layer, const std::wstring& name) {
+    for (int row = 1; row < keys_.rowCount(); ++row) {
+        if (leadingInteger(keys_.text(row, LayerKeyColumn::loadedLayer)) == layer) {
+            keys_.setText(row, LayerKeyColumn::layerName, name);
+        }
+    }
+}
+
+void CLayerCustomization::showLayerOfKey(int keyRow) {
+    const CGridCellBase* const choice = keys_.cell(keyRow, LayerKeyColumn::layerName);
+    if (choice && choice->selectedData() != 0) {
+        showLayer(layerRowWith(LayerColumn::key, intToString(choice->selectedData())));
+    }
+}
+
+// After another system was selected: the row that the drafter had selected, which mostly is the same key.
+void CLayerCustomization::returnToKeyRow() {
+    constexpr int rowsAbove = 5;
+    constexpr int rowsThatFit = 10;
+    const int last = keys_.rowCount() - 1;
+    if (rememberedKeyRow_ <= last) {
+        keys_.focusCell(rememberedKeyRow_, LayerKeyColumn::displayName);
+        keys_.ensureVisible(rememberedKeyRow_, LayerKeyColumn::displayName);
+        showLayerOfKey(rememberedKeyRow_);
+    } else if (last > 0) {
+        keys_.focusCell(last, LayerKeyColumn::displayName);
+        showLayerOfKey(last);
+        keys_.scrollToTop(last <= rowsThatFit ? 2 : last - rowsAbove);
+    }
+}
+
+LRESULT CLayerCustomization::keyEditBegins(const GridNotification& place) {
+    return place.column == LayerKeyColumn::displayName ? gridRefuse : 0;
+}
+
+LRESULT CLayerCustomization::keySelected(const GridNotification& place) {
+    rememberedKeyRow_ = place.row;
+    showLayerOfKey(place.row);
+    return 0;
+}
+
+LRESULT CLayerCustomization::keyPicked(const GridPickNotification& pick) {
+    if (pick.column == LayerKeyColumn::layerName) {
+        showLayer(layerRowWith(LayerColumn::name, pick.text));
+    }
+    return 0;
+}
+
+}  // namespace tessary
