@@ -92,7 +92,7 @@ void Anchors::apply() const {
         if (positions) {
             positions =
                 DeferWindowPos(positions, control, nullptr, area.left, area.top, area.right - area.left,
-                               area.bottom - area.top, SWP_NOZORDER | SWP_NOACTIVATE);
+                               area.bottom - area.top, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
         }
     }
     if (positions)

@@ -64,6 +64,20 @@ private:
     HDC context_;
 };
 
+// Device context of all of a window, its frame included.
+class WindowContext {
+public:
+    explicit WindowContext(HWND window) : window_(window), context_(GetWindowDC(window)) {}
+    ~WindowContext() { ReleaseDC(window_, context_); }
+    WindowContext(const WindowContext&) = delete;
+    WindowContext& operator=(const WindowContext&) = delete;
+    HDC get() const { return context_; }
+
+private:
+    HWND window_;
+    HDC context_;
+};
+
 // Device context of a WM_PAINT message.
 class PaintContext {
 public:
@@ -79,11 +93,15 @@ private:
     PAINTSTRUCT paint_{};
 };
 
-// A device context in memory with a bitmap that another one can take, for painting without flicker.
+// A device context in memory that draws into a bitmap.
 class MemoryContext {
 public:
+    // With a bitmap that the other context can take, for painting without flicker.
     MemoryContext(HDC like, int width, int height)
-        : context_(CreateCompatibleDC(like)), bitmap_(CreateCompatibleBitmap(like, width, height)),
+        : MemoryContext(like, Bitmap(CreateCompatibleBitmap(like, width, height))) {}
+    // like: null for the screen's.
+    MemoryContext(HDC like, Bitmap bitmap)
+        : context_(CreateCompatibleDC(like)), bitmap_(std::move(bitmap)),
           before_(SelectObject(context_, bitmap_.get())) {}
     ~MemoryContext() {
         SelectObject(context_, before_);

@@ -66,9 +66,9 @@ void copyWindow(HWND window, HDC target, POINT origin) {
     RedrawWindow(window, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW | RDW_ERASENOW);
     const RECT place = placeOf(window);
     const SIZE size = sizeOf(place);
-    const HDC source = GetWindowDC(window);
-    BitBlt(target, place.left - origin.x, place.top - origin.y, size.cx, size.cy, source, 0, 0, SRCCOPY);
-    ReleaseDC(window, source);
+    const WindowContext source(window);
+    BitBlt(target, place.left - origin.x, place.top - origin.y, size.cx, size.cy, source.get(), 0, 0,
+           SRCCOPY);
 }
 
 struct PopupSearch {
@@ -194,18 +194,14 @@ WindowPicture takeWindowPicture(HWND window) {
     const SIZE size = sizeOf(place);
     if (size.cx <= 0 || size.cy <= 0)
         return {};
-    const PixelBitmap target(size);
+    PixelBitmap target(size);
     if (!target.bits)
         return {};
-    const HDC context = CreateCompatibleDC(nullptr);
-    {
-        const Selected selected(context, target.bitmap.get());
-        copyWindow(window, context, {place.left, place.top});
-        for (const HWND popup : popupsOver(window))
-            copyWindow(popup, context, {place.left, place.top});
-        GdiFlush();
-    }
-    DeleteDC(context);
+    const MemoryContext context(nullptr, std::move(target.bitmap));
+    copyWindow(window, context.get(), {place.left, place.top});
+    for (const HWND popup : popupsOver(window))
+        copyWindow(popup, context.get(), {place.left, place.top});
+    GdiFlush();
 
     WindowPicture picture{size.cx, size.cy, {}};
     const std::size_t count = static_cast<std::size_t>(size.cx) * static_cast<std::size_t>(size.cy);

@@ -51,7 +51,15 @@ output_file() {
     fail "$STATUS_USAGE" "$option $file: the name must end in $(spoken "$@")"
 }
 
-# parse_run_option NAME [FILE]: one option, appended to HOST_ARGUMENTS.
+# show_on_screen: the option --screen. TESSARY_SCREEN tells scripts/wine.sh.
+show_on_screen() {
+    [ -n "${DISPLAY-}" ] || fail "$STATUS_USAGE" "--screen needs a display, and DISPLAY is not set" \
+        "run it in a graphical session, or leave --screen out"
+    export TESSARY_SCREEN=yes
+    HOST_ARGUMENTS+=(--screen)
+}
+
+# parse_run_option NAME [FILE]: one option with a value, appended to HOST_ARGUMENTS.
 parse_run_option() {
     case $1 in
     --open | --answers | --save | --picture | --shaded | --export)
@@ -100,6 +108,9 @@ parse_run_arguments() {
         if [[ -n $options && $1 = -- ]]; then
             options=
             shift
+        elif [[ -n $options && $1 = --screen ]]; then
+            show_on_screen
+            shift
         elif [[ -n $options && $1 = -* ]]; then
             parse_run_option "${@:1:2}"
             shift 2
@@ -116,12 +127,18 @@ parse_run_arguments() {
     HOST_ARGUMENTS+=("${programs[@]}")
 }
 
-# parse_repl_arguments ARGUMENT...: the same for `./tessary repl`, which only opens a drawing and searches folders.
+# parse_repl_arguments ARGUMENT...: the same for `./tessary repl`, which opens a drawing, searches folders
+# and shows dialogs.
 parse_repl_arguments() {
     HOST_ARGUMENTS=()
     while [ $# -gt 0 ]; do
+        if [ "$1" = --screen ]; then
+            show_on_screen
+            shift
+            continue
+        fi
         [[ $1 = --@(open|support) && $# -ge 2 ]] ||
-            fail "$STATUS_USAGE" "unusable argument $1" "./tessary repl [--open FILE] [--support FOLDER]"
+            fail "$STATUS_USAGE" "unusable argument $1" "./tessary repl [--screen] [--open FILE] [--support FOLDER]"
         parse_run_option "$1" "$2"
         shift 2
     done

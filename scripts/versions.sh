@@ -6,7 +6,13 @@ PACKAGES_RUN=(
     ccache cmake dpkg-dev fonts-liberation fonts-wine g++ g++-mingw-w64-x86-64-posix libboost-dev libcgal-dev libgnutls30
     libwine libwine-dev m4 make mingw-w64-tools ninja-build tcl wine wine64
 )
-PACKAGES_TEST=(admesh googletest librecad-data python3 python3-ezdxf python3-pil)
+# What run and repl need besides with --screen: the parts of X that Wine loads where it finds them.
+PACKAGES_SCREEN=(
+    libxcomposite1 libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxrender1
+)
+PACKAGES_TEST=(
+    admesh googletest librecad-data python3 python3-ezdxf python3-pil xdotool xvfb
+)
 PACKAGES_DEMO=(librecad-data)
 PACKAGES_BENCH=(newlisp)
 

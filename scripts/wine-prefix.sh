@@ -1,9 +1,11 @@
 #!/bin/sh
-# Makes the Wine prefix that programs of the target run in (build/wine), once; later calls return at once.
+# Makes the Wine prefix that programs of the target run in (build/wine), once; later calls return at once. With
+# TESSARY_SCREEN=yes it is one for programs that are shown on a display (build/wine-screen).
 set -eu
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
-prefix="${TESSARY_WINEPREFIX:-$root/build/wine}"
+prefix="${TESSARY_WINEPREFIX:-$root/build/wine${TESSARY_SCREEN:+-screen}}"
+if [ "${TESSARY_SCREEN-}" = yes ]; then graphics=x11; else graphics=null; fi
 # Raised when the settings below change: an older prefix is then made anew.
 settings=1
 
@@ -25,14 +27,14 @@ fail() {
 # Graphics null: windows, dialogs and messages work without a display.
 # Replacements: the faces that programs ask for, by free fonts of the same widths.
 write_registry() {
-    cat <<'REGISTRY'
+    cat <<REGISTRY
 REGEDIT4
 
 [HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\AeDebug]
 "Debugger"="false"
 
 [HKEY_CURRENT_USER\Software\Wine\Drivers]
-"Graphics"="null"
+"Graphics"="$graphics"
 "Audio"=""
 
 [HKEY_CURRENT_USER\Software\Wine\Fonts\Replacements]

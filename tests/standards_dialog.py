@@ -154,6 +154,8 @@ class Scene:
                 process.kill()
                 status = "hangs"
         read = lambda path: path.read_text(encoding="utf-8", errors="replace").replace("\r", "") if path.exists() else ""
+        if status == "hangs":
+            self.fail("a run hangs", answers)
         return Run(self.folder, status, read(self.folder / "out.txt"), read(self.folder / "err.txt"),
                    read(calls).splitlines())
 

@@ -123,11 +123,10 @@ void DialogAnswers::tick() {
     const HWND dialog = topDialog();
     if (!dialog && hasDialogs())
         return;  // not shown yet
-    const bool driven = host_.runFailed() || host_.input().answersDialogs();
-    if (!dialog || (!driven && !isMessageBox(dialog)))
+    if (!dialog || !(host_.runFailed() || host_.input().answersDialogs()))
         return stopTimer();  // the next activation starts it again
     ticking_ = true;
-    if (driven && GetActiveWindow() != dialog)
+    if (GetActiveWindow() != dialog)
         SetActiveWindow(dialog);
     if (host_.runFailed()) {
         tasks_.clear();

@@ -43,6 +43,13 @@ BOOL WINAPI onConsoleEvent(DWORD event) {
     return TRUE;
 }
 
+// Without a display that can be reached there are no windows.
+bool hasScreen() {
+    const HWND window =
+        CreateWindowExW(0, L"Static", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    return window && DestroyWindow(window);
+}
+
 // COM on the main thread, for modules too: they create objects as soon as they are loaded, and release them
 // while they are unloaded.
 class ComApartment {
@@ -67,7 +74,7 @@ public:
         host_.setVerbose(options_.verbose);
         for (const std::wstring& folder : options_.supportFolders)
             host_.services().addSupportFolder(folder);
-        if (!prepareInput() || !openDrawing())
+        if (!checkScreen() || !prepareInput() || !openDrawing())
             return kSessionFailed;
         SetConsoleCtrlHandler(onConsoleEvent, TRUE);
         if (!loadModules())
@@ -94,12 +101,20 @@ private:
         return false;
     }
 
+    bool checkScreen() {
+        return !options_.screen || hasScreen() || fail(L"--screen: the display cannot be opened");
+    }
+
     bool prepareInput() {
         if (!options_.answers.empty())
             return prepareAnswers();
+        const auto dialogs = options_.screen ? editor::Dialogs::LeftAlone : editor::Dialogs::Answered;
         if (options_.interactive) {
-            host_.setInput(
-                std::make_unique<editor::TerminalInput>(lines_, host_.commandLine(), options_.echo));
+            host_.setInput(std::make_unique<editor::TerminalInput>(lines_, host_.commandLine(),
+                                                                   options_.echo, dialogs));
+        } else {
+            host_.setInput(std::make_unique<editor::EmptySource>(
+                [this](const std::wstring& message) { host_.warn(message); }, dialogs));
         }
         return true;
     }

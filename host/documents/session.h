@@ -19,6 +19,7 @@ struct SessionOptions {
     bool interactive = false;  // repl
     bool echo = false;         // repl: print what is read from standard input
     bool verbose = false;
+    bool screen = false;  // dialogs are seen, and the drafter has mouse and keyboard
     std::vector<std::wstring> modules, supportFolders, pictures, exports, programs;
     std::vector<ShadedPicture> shadedPictures;
     std::wstring open, answers, save;  // empty: none

@@ -25,6 +25,7 @@ const wchar_t* const kUsage =
     L"                    be given several times\n"
     L"  --support DIR     a folder to search for files; may be given several times\n"
     L"  --echo on|off     repl: prints what is read from standard input (off unless given)\n"
+    L"  --screen          dialogs are left to mouse and keyboard, unless there are answers\n"
     L"  --verbose         reports message boxes and the like on standard error\n"
     L"Exit status: 0 fine; 1 a program ended in an error or a file could not be read or written; 2 unusable "
     L"arguments.\n";
@@ -122,6 +123,10 @@ bool parseArguments(const std::vector<std::wstring>& arguments, SessionOptions& 
         }
         if (argument == L"--verbose") {
             options.verbose = true;
+            continue;
+        }
+        if (argument == L"--screen") {
+            options.screen = true;
             continue;
         }
         const bool last = i + 1 == arguments.size();

@@ -18,13 +18,19 @@
 
 namespace drafthost::editor {
 
+// What a source does with the dialogs of the process.
+enum class Dialogs {
+    Answered,
+    LeftAlone,  // somebody sees them and has a mouse and a keyboard
+};
+
 class InputSource {
 public:
     virtual ~InputSource() = default;
     virtual Answer next(const InputRequest& request) = 0;
     // A dialog waits. Message boxes take Press, Enter and Cancel only.
     virtual Answer nextForBox(const BoxRequest& box) = 0;
-    // False: dialogs are left to the drafter's own mouse and keyboard, and only message boxes are asked for.
+    // False: dialogs and message boxes are left to the drafter's own mouse and keyboard.
     virtual bool answersDialogs() const { return true; }
     // True: the request is put again. False: it counts as cancelled.
     virtual bool refuse(const Answer& answer, const std::wstring& waitedFor,
@@ -37,13 +43,16 @@ public:
 // For runs without a drafter: every response is empty.
 class EmptySource final : public InputSource {
 public:
-    explicit EmptySource(std::function<void(const std::wstring&)> warn) : warn_(std::move(warn)) {}
+    explicit EmptySource(std::function<void(const std::wstring&)> warn, Dialogs dialogs = Dialogs::Answered)
+        : warn_(std::move(warn)), dialogs_(dialogs) {}
     Answer next(const InputRequest& request) override;
     Answer nextForBox(const BoxRequest& box) override;
+    bool answersDialogs() const override { return dialogs_ == Dialogs::Answered; }
     bool refuse(const Answer&, const std::wstring&, const std::wstring&) override { return false; }
 
 private:
     std::function<void(const std::wstring&)> warn_;
+    Dialogs dialogs_;
     bool warned_ = false;
 };
 

@@ -87,11 +87,6 @@ Answer TerminalInput::nextForBox(const BoxRequest& box) {
     return line->empty() ? Answer::of(Answer::Kind::Cancel) : Answer::ofText(Answer::Kind::Press, *line);
 }
 
-bool TerminalInput::answersDialogs() const {
-    DWORD mode = 0;
-    return !GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode);
-}
-
 bool TerminalInput::refuse(const Answer&, const std::wstring&, const std::wstring& complaint) {
     commandLine_.freshLine();
     commandLine_.write(complaint + L"\n");

@@ -30,14 +30,13 @@ private:
 class TerminalInput final : public InputSource {
 public:
     // echo: the lines are printed, because no terminal shows them.
-    TerminalInput(LineReader& lines, CommandLine& commandLine, bool echo)
-        : lines_(lines), commandLine_(commandLine), echo_(echo) {}
+    TerminalInput(LineReader& lines, CommandLine& commandLine, bool echo, Dialogs dialogs = Dialogs::Answered)
+        : lines_(lines), commandLine_(commandLine), echo_(echo), dialogs_(dialogs) {}
     Answer next(const InputRequest& request) override;
     // A box with one button is shown as text and closed; others are asked like a prompt.
     Answer nextForBox(const BoxRequest& box) override;
     bool refuse(const Answer& answer, const std::wstring& waitedFor, const std::wstring& complaint) override;
-    // Where no terminal is connected nobody sees a dialog: its buttons are asked for like those of a box.
-    bool answersDialogs() const override;
+    bool answersDialogs() const override { return dialogs_ == Dialogs::Answered; }
     bool needsEcho() const override { return echo_; }
 
 private:
@@ -46,6 +45,7 @@ private:
     LineReader& lines_;
     CommandLine& commandLine_;
     bool echo_;
+    Dialogs dialogs_;
     bool warned_ = false;
 };
 

@@ -16,10 +16,10 @@ public:
         : link_(std::move(link)), numbers_(std::move(numbers)), rows_(rows) {}
     virtual ~Selection() = default;
 
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    [[gnu::no_sanitize("alignment")]] STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
         if (!object)
             return E_POINTER;
-        const bool known = iid == __uuidof(IUnknown) || iid == __uuidof(IEnumVARIANT);
+        const bool known = sameId(&iid, __uuidof(IUnknown)) || sameId(&iid, __uuidof(IEnumVARIANT));
         *object = known ? static_cast<IEnumVARIANT*>(this) : nullptr;
         if (known)
             AddRef();

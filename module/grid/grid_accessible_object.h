@@ -7,6 +7,7 @@
 #include <oleacc.h>
 
 #include <atomic>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,6 +18,11 @@
 #include "module/grid/grid_control.h"
 
 namespace tessary {
+
+// id: where an id lies, at any address.
+inline bool sameId(const void* id, const IID& known) {
+    return std::memcmp(id, &known, sizeof known) == 0;
+}
 
 // Results; the VARIANT is empty before.
 HRESULT returnText(const std::wstring& text, BSTR* result);
@@ -34,11 +40,12 @@ public:
     explicit GridObject(std::shared_ptr<GridAccessible> link) : link_(std::move(link)) {}
     virtual ~GridObject() = default;
 
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    // Calls from other processes bring ids that lie at odd addresses, in tables of their own layout.
+    [[gnu::no_sanitize("alignment")]] STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
         if (!object)
             return E_POINTER;
-        const bool known =
-            iid == __uuidof(IUnknown) || iid == __uuidof(IDispatch) || iid == __uuidof(IAccessible);
+        const bool known = sameId(&iid, __uuidof(IUnknown)) || sameId(&iid, __uuidof(IDispatch)) ||
+                           sameId(&iid, __uuidof(IAccessible));
         *object = known ? static_cast<IAccessible*>(this) : nullptr;
         if (known)
             AddRef();

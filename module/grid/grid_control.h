@@ -34,6 +34,7 @@ class CGridCtrl : public framework::Window {
 public:
     static constexpr const wchar_t* className = L"MFCGridCtrl";
     static constexpr int cellMargin = 4;  // pixels between a cell's edges and its text
+    static constexpr int textTop = 2;     // pixels between a cell's upper edge and its text
 
     CGridCtrl();
     ~CGridCtrl() override;

@@ -80,8 +80,11 @@ std::pair<GridPosition, GridPosition> CGridCtrl::selectedBlock() const {
 void CGridCtrl::selectAll() {
     if (singleRow_ || !firstDataCell())
         return;
+    const std::weak_ptr<CGridCtrl*> life = self_;
     if (!isDataCell(focus_))
         moveFocus(firstDataCell(), false);
+    if (life.expired() || !isDataCell(focus_))
+        return;
     allSelected_ = true;
     refresh();
 }

@@ -278,7 +278,7 @@ void GridPainter::paintText(int row, int column, const RECT& cell, COLORREF colo
         text = shortened;
     }
     SetTextColor(context_, color);
-    const int y = static_cast<int>(area.top) + 2;
+    const int y = static_cast<int>(area.top) + CGridCtrl::textTop;
     ExtTextOutW(context_, area.left, y, ETO_CLIPPED, &clip, text.data(), static_cast<UINT>(text.size()),
                 nullptr);
 }

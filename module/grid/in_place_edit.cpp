@@ -7,6 +7,12 @@
 
 namespace tessary {
 
+namespace {
+
+constexpr int rightMargin = 1;  // pixels, for the caret
+
+}  // namespace
+
 CInPlaceEdit* CInPlaceEdit::open(CGridCtrl& grid, const RECT& area, DWORD style, int controlId, int row,
                                  int column, const std::wstring& initialText, UINT firstKey) {
     const std::shared_ptr<CInPlaceEdit> editor(new CInPlaceEdit(grid, row, column, initialText, firstKey));
@@ -20,7 +26,7 @@ CInPlaceEdit* CInPlaceEdit::open(CGridCtrl& grid, const RECT& area, DWORD style,
     editor->holdItself();
     const HWND window = editor->handle();
     SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(grid.font()), FALSE);
-    SendMessageW(window, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(1, 1));
+    editor->placeText(static_cast<int>(grid.textArea(row, column, area).left - area.left));
     editor->setText(initialText);
     grid.editor_ = editor.get();
     SetFocus(window);
@@ -33,6 +39,24 @@ CInPlaceEdit* CInPlaceEdit::open(CGridCtrl& grid, const RECT& area, DWORD style,
     return editor.get();
 }
 
+// The text stays where the cell showed it. The platform writes it at the upper edge of the window's inside,
+// which therefore begins that much lower.
+void CInPlaceEdit::placeText(int leftMargin) {
+    leftMargin_ = leftMargin;
+    SendMessageW(handle(), EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN,
+                 MAKELPARAM(leftMargin, rightMargin));
+    SetWindowPos(handle(), nullptr, 0, 0, 0, 0,
+                 SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void CInPlaceEdit::paintFrame() const {
+    const framework::WindowContext context(handle());
+    RECT area{};
+    GetClientRect(handle(), &area);
+    area.bottom = CGridCtrl::textTop;
+    FillRect(context.get(), &area, GetSysColorBrush(COLOR_WINDOW));
+}
+
 void CInPlaceEdit::closeWindow() {
     SendMessageW(handle(), WM_CLOSE, 0, 0);
 }
@@ -42,6 +66,13 @@ LRESULT CInPlaceEdit::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
     switch (message) {
         // All keys, also those that dialogs take for their buttons.
         case WM_GETDLGCODE: return DLGC_WANTALLKEYS;
+        case WM_NCCALCSIZE: {
+            const LRESULT result = defaultHandling(message, wParam, lParam);
+            reinterpret_cast<RECT*>(lParam)->top += CGridCtrl::textTop;  // whatever else follows it
+            return result;
+        }
+        case WM_NCPAINT: paintFrame(); return 0;
+        case WM_NCHITTEST: return HTCLIENT;
         case WM_KEYDOWN:
             if (!leavesBy(static_cast<UINT>(wParam)))
                 break;
@@ -98,7 +129,8 @@ void CInPlaceEdit::fitWidth() {
     }
     RECT client{};
     GetClientRect(gridWindow(), &client);
-    const LONG right = std::max(rect_.right, std::min(rect_.left + size.cx, client.right));
+    const LONG needed = leftMargin_ + size.cx + rightMargin;
+    const LONG right = std::max(rect_.right, std::min(rect_.left + needed, client.right));
     SetWindowPos(handle(), nullptr, 0, 0, right - rect_.left, rect_.bottom - rect_.top,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }

@@ -26,9 +26,12 @@ protected:
 private:
     using InPlaceEditor::InPlaceEditor;
     LRESULT onChar(WPARAM character, LPARAM data);
+    void placeText(int leftMargin);
+    void paintFrame() const;
     void fitWidth();
 
-    RECT rect_{};  // of the cell, as far as the grid shows it
+    RECT rect_{};         // of the cell, as far as the grid shows it
+    int leftMargin_ = 0;  // pixels between its left edge and the text
 };
 
 }  // namespace tessary

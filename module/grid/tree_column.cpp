@@ -33,7 +33,7 @@ bool CTreeColumn::isRowShown(const GridModel& model, int row) const {
     return states_[static_cast<std::size_t>(row)] != RowState::underCollapsed;
 }
 
-void CTreeColumn::rowsChanged(int row) const {
+void CTreeColumn::rowsChanged(int row) {
     if (row < static_cast<int>(states_.size())) {
         states_.resize(static_cast<std::size_t>(row < 0 ? 0 : row));
     }

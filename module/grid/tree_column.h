@@ -23,7 +23,7 @@ public:
     // Constant time a row, after changes as well: what is above a changed row is remembered.
     bool isRowShown(const GridModel& model, int row) const;
     // This row and those below are others than before.
-    void rowsChanged(int row) const;
+    void rowsChanged(int row);
 
 private:
     enum class RowState : std::uint8_t { shown, underCollapsed, collapsedHead };

@@ -39,7 +39,6 @@ LayersDialogState& layersDialogState() {
 }
 
 HandlerStatus customizeLayers() {
-    acedRetNil();
     openStandardsDatabase(runLayersDialog);
     return HandlerStatus::success;
 }

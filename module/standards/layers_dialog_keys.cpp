@@ -34,11 +34,12 @@ void CLayerCustomization::fillLayerKeys() {
     clearList(keys_);
     const auto rows = selectRows(*connection_, keysStatement(system));
     if (!rows || rows->empty()) {
+        fitKeyColumns();
         return;
     }
     for (const SelectedRow& row : *rows) {
         if (row.size() == 3) {
-            addKey(variantToInt(row[0].get()), variantToInt(row[1].get()), variantToText(row[2].get(), 0));
+            addKey(variantToInt(row[0].get()), variantToInt(row[1].get()), textIn(row[2]).value_or(L""));
         }
     }
     keys_.sortByColumn(compareGridTexts, LayerKeyColumn::sortText, true);

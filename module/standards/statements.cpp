@@ -49,6 +49,10 @@ std::optional<std::vector<SelectedRow>> selectRows(DatabaseConnection& connectio
     return rowsOf(VariantElements(records.array()).values());
 }
 
+std::optional<std::wstring> textIn(const Variant& value) {
+    return value.type() == VT_BSTR ? std::optional(textOf(value.get().bstrVal)) : std::nullopt;
+}
+
 void executeStatement(DatabaseConnection& connection, const std::wstring& statement) {
     const Bstr text(statement);
     if (!succeeds(connection, &DatabaseConnection::ExecuteSql, text.get())) {

@@ -18,6 +18,9 @@ using SelectedRow = std::vector<Variant>;
 std::optional<std::vector<SelectedRow>> selectRows(DatabaseConnection& connection,
                                                    const std::wstring& statement);
 
+// The text as it is; nothing for a value that is none.
+std::optional<std::wstring> textIn(const Variant& value);
+
 // The error of a failing statement is kept as the last one, without a message: the dialog goes on.
 void executeStatement(DatabaseConnection& connection, const std::wstring& statement);
 

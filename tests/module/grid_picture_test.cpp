@@ -156,6 +156,40 @@ TEST_F(GridPictures, Editors) {
     window.press(VK_ESCAPE);
 }
 
+// Where the first letter of a cell's text is dark: points from the cell's corner.
+std::vector<std::pair<int, int>> firstLetter(const GridWindow& window, int row, int column) {
+    constexpr int border = 1, widestLetter = 7;
+    const WindowPicture picture = framework::takeWindowPicture(window.grid.handle());
+    const RECT cell = window.grid.cellArea(row, column).value();
+    const int start = static_cast<int>(window.grid.textArea(row, column, cell).left - cell.left);
+    std::vector<std::pair<int, int>> dark;
+    for (int y = 1; y < cell.bottom - cell.top - 1; ++y) {
+        // From the cell's frame on, for a text that stands too far to the left.
+        for (int x = 2; x < start + widestLetter; ++x) {
+            const std::uint32_t pixel =
+                picture.at(x + static_cast<int>(cell.left) + border, y + static_cast<int>(cell.top) + border);
+            if (pixel == systemPixel(COLOR_WINDOWTEXT))
+                dark.emplace_back(x, y);
+        }
+    }
+    return dark;
+}
+
+TEST_F(GridPictures, TextDoesNotJumpWhenItsEditorOpens) {
+    window.grid.setTreeColumn(2);  // whose texts are indented
+    for (const int column : {0, 2}) {
+        window.grid.focusCell(5, 4);
+        window.pump();
+        const auto shown = firstLetter(window, 2, column);
+        EXPECT_GT(shown.size(), 10U);
+        window.doubleClick(2, column);
+        ASSERT_NE(window.grid.textEditor(), nullptr);
+        window.pump();
+        EXPECT_EQ(firstLetter(window, 2, column), shown);
+        window.press(VK_ESCAPE);
+    }
+}
+
 TEST_F(GridPictures, SortedHeaders) {
     window.grid.sortByColumn(compareGridTexts, 0, true);
     const WindowPicture up = taken(window, L"sorted-ascending");

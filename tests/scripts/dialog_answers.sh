@@ -11,8 +11,9 @@ x86_64-w64-mingw32-g++-posix -std=c++20 -O1 -I"$TESSARY_ROOT" -I"$TESSARY_BIN/..
     -DUNICODE -D_UNICODE -DNOMINMAX -shared \
     -fsanitize=undefined -fsanitize-undefined-trap-on-error -fno-sanitize=vptr \
     "$fixtures/dialog_module.cpp" resources.o \
-    "$libraries/libtessary_module.a" "$libraries/libframework.a" "$libraries/libdrafthost.dll.a" \
-    -lgdi32 -luser32 -lcomctl32 -lole32 -loleaut32 -luuid -loleacc -luxtheme -lmsimg32 -o dialogs.arx || exit 1
+    "$libraries/libtessary_module.a" "$libraries/libserver_interface.a" "$libraries/libframework.a" \
+    "$libraries/libdrafthost.dll.a" \
+    -lole32 -loleaut32 -loleacc -luuid -lshell32 -lcomctl32 -luxtheme -lmsimg32 -lgdi32 -luser32 -o dialogs.arx || exit 1
 
 fail() {
     echo "$1"

@@ -51,6 +51,20 @@ run = scene.run(*changes, f"press #{OK}")
 scene.equal("the same with OK", (run.layer("A-WALL")[0], run.systems()[0], run.keys()[11]), (77, ("Return", 2), 4))
 unchanged("Escape in the dialog", scene.run(f"cell #{LAYERS} 1 2 77", "key Escape"))
 
+# ---- How it looks: pictures in the current folder, to look at
+
+pictures = [pathlib.Path.cwd() / f"layers_dialog_{name}.png" for name in ("opened", "system", "choices", "larger", "new_system")]
+for picture in pictures:
+    picture.unlink(missing_ok=True)
+opened, system, choices, larger, new_system = pictures
+scene.run("resize 1 1", f"screenshot {opened}", f"row #{SYSTEMS} 2", f"screenshot {system}", f"double #{KEYS} 1 4",
+          f"screenshot {choices}", "key Escape", "resize 900 740", f"screenshot {larger}", "resize 1 1",
+          f"press #{NEW_SYSTEM}", f"screenshot {new_system}", f"press #{CANCEL}", f"press #{CANCEL}")
+sizes = [tuple(int.from_bytes(picture.read_bytes()[place:place + 4]) for place in (16, 20)) for picture in pictures]
+scene.equal("the dialog keeps its size until it is made larger", (sizes[1], sizes[2], sizes[3]), (sizes[0], sizes[0], (900, 740)))
+if len({picture.read_bytes() for picture in pictures}) < len(pictures) or min(map(lambda p: p.stat().st_size, pictures)) < 1000:
+    scene.fail("the pictures show the same, or nothing")
+
 # ---- Cells of layers. Rows are A-WALL, B-GRID, E-TRAY, M-DUCT, P-PIPE.
 
 run = scene.run(f"cell #{LAYERS} 1 2 0", f"cell #{LAYERS} 2 2 300", f"cell #{LAYERS} 3 2", f"cell #{LAYERS} 4 2 12 or so",

@@ -84,4 +84,13 @@ run = scene.run(f"cell #{KEYS} 1 4 P-PIPE", f"cell #{LAYERS} 5 1 P-NEW", f"press
 keys(run, "a key that shows a name that is gone is not written")
 run = scene.run(f"row #{LAYERS} 2", f"press #{DELETE_LAYER}", "press Yes", f"cell #{KEYS} 1 4 B-GRID", clean=False)
 scene.contains("a deleted layer cannot be chosen", run.errors, 'no entry "B-GRID"')
+
+# ---- The columns of a system without keys are those of an empty list, not those of the system before
+
+change = ["update tblLayerKey set sKey = 'A key with a long name', ixLayer = 99 where ixLayerSystem = 2",
+          "delete from tblLayerKey where ixLayerSystem = 3 or ixLayerSystem is null"]
+run = scene.run(f"row #{SYSTEMS} 4", "screenshot first.png", f"row #{SYSTEMS} 2", f"row #{SYSTEMS} 4", "screenshot later.png",
+                f"press #{CANCEL}", change=change)
+pictures = [(run.folder / file).read_bytes() for file in ("first.png", "later.png")]
+scene.equal("an empty system looks the same after one with long keys", pictures[0] == pictures[1], True)
 scene.finish()

@@ -75,8 +75,11 @@ scene.equal("a new layer's name is being edited", names(run)[-1].lower(), "z")
 scene.says("a new layer with a taken name", TAKEN, f"press #{NEW_LAYER}", "key Escape", f"cell #{LAYERS} 6 1 a-wall")
 run = scene.run(f"press #{NEW_LAYER}", "key Escape", f"cell #{LAYERS} 6 2 88", f"cell #{KEYS} 1 4 New Layer", f"press #{OK}")
 scene.equal("a new layer's cells are written by OK, and keys can have it", (run.layer("New Layer")[0], run.keys()[11]), (88, 6))
-run = scene.run(f"press #{NEW_LAYER}", "key Escape", f"press #{CANCEL}", change=["delete from tblLayer"])
+run = scene.run(f"press #{NEW_LAYER}", "key Escape", "screenshot new.png", f"press #{UNDO_LAYERS}", f"row #{LAYERS} 1",
+                "screenshot read.png", f"press #{CANCEL}", change=["delete from tblLayer"])
 scene.equal("the first layer of all", run.layers(), [(6, "New Layer", 7, "Continuous", -1, None, None)])
+scene.equal("the columns, as wide as their headers, are fitted to it",
+            (run.folder / "new.png").read_bytes() == (run.folder / "read.png").read_bytes(), True)
 run = scene.run(f"press #{NEW_LAYER}", "key Escape", f"press #{CANCEL}",
                 change=["update tblLayer set sPlotstyle = 'To Scale', sLinetype = 'Can Rotate' where ixLayer = 4"])
 scene.equal("the product's marks are not copied", run.layer("New Layer"), (5, "0", -1, "100", "0"))

@@ -53,6 +53,17 @@ for name in ("100% [s]", "O'Neill \"x\"", "S" * 255):
 run = scene.run(f"press #{NEW_SYSTEM}", "type #2006 First", f"press #{OK}", f"press #{CANCEL}", change=["delete from tblLayerSystem"])
 scene.equal("without a system to copy from", (run.systems(), run.calls_of("create-labels")), ([("First", 1)], ["(CREATE-LABELS 4 -1)"]))
 
+# What the database has when the product's functions are called between the statements.
+COUNTS = """(defun counts (system) (ts_connect "db.qn")
+  (note (mapcar '(lambda (table) (cdaar (ts_sql (strcat "select count(*) as n from " table " where ixLayerSystem = " (itoa system)))))
+                '("tblLayerSystem" "tblLayerKey"))) (ts_close_db))
+(defun util-createPipeLabels (new source) (counts new))
+(defun util-deletePipeLabels (system) (counts system))
+"""
+run = scene.run(*MORE, f"press #{DELETE_SYSTEM}", "press Yes", f"press #{CANCEL}", before=COUNTS)
+scene.equal("labels are made when system and keys are there, and deleted between the keys and the system",
+            [call for call in run.calls if call[1].isdigit()], ["(1 2)", "(1 0)"])
+
 # ---- Edited systems
 
 RENAMES = r"""

@@ -10,10 +10,11 @@ build() {
     shift
     x86_64-w64-mingw32-g++-posix -std=c++20 -O1 -I"$TESSARY_ROOT" -I"$TESSARY_BIN/../server/generated" -DUNICODE \
         -D_UNICODE -shared "$@" "$TESSARY_BIN/../lib/libdrafthost.dll.a" \
-        -lole32 -loleaut32 -luuid -lshell32 -lgdi32 -luser32 -o "$file" || exit 1
+        -lole32 -loleaut32 -loleacc -luuid -lshell32 -lcomctl32 -lgdi32 -luser32 -o "$file" || exit 1
 }
 build leaders.arx "$TESSARY_ROOT/tests/fixtures/leader_module.cpp" "$TESSARY_ROOT/tests/module/value_filer.cpp" \
-    "$TESSARY_BIN/../lib/libtessary_module.a" "$TESSARY_BIN/../lib/libserver_interface.a"
+    "$TESSARY_BIN/../lib/libtessary_module.a" "$TESSARY_BIN/../lib/libserver_interface.a" \
+    "$TESSARY_BIN/../lib/libframework.a"
 build rival.arx "$TESSARY_ROOT/tests/fixtures/rival_module.cpp"
 
 cat >versions.lsp <<'LISP'

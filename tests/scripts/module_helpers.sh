@@ -10,8 +10,9 @@ export CCACHE_DISABLE=1
 x86_64-w64-mingw32-g++-posix -std=c++20 -O1 -I"$TESSARY_ROOT" -I"$TESSARY_BIN/../server/generated" -DUNICODE -D_UNICODE -shared \
     -fsanitize=undefined -fsanitize-undefined-trap-on-error -fno-sanitize=vptr \
     "$TESSARY_ROOT/tests/fixtures/helpers_module.cpp" \
-    "$TESSARY_BIN/../lib/libtessary_module.a" "$TESSARY_BIN/../lib/libserver_interface.a" "$TESSARY_BIN/../lib/libdrafthost.dll.a" \
-    -lole32 -loleaut32 -luuid -lshell32 -lgdi32 -luser32 -o helpers.arx || exit 1
+    "$TESSARY_BIN/../lib/libtessary_module.a" "$TESSARY_BIN/../lib/libserver_interface.a" \
+    "$TESSARY_BIN/../lib/libframework.a" "$TESSARY_BIN/../lib/libdrafthost.dll.a" \
+    -lole32 -loleaut32 -loleacc -luuid -lshell32 -lcomctl32 -lgdi32 -luser32 -o helpers.arx || exit 1
 
 # session NAME OPTION...: types standard input at the prompt and shows what is printed behind each prompt.
 session() {
