@@ -45,27 +45,31 @@ end_wine_sessions() {
 # in_pipes COMMAND...: runs a program of the target with pipes instead of a terminal, which Wine would take over to
 # emulate a console (cursor movements, its own line editing, no UTF-8). Returns the program's status.
 #
+# Ctrl-C is the program's: it cancels what is running there, and what stands around it goes on.
+#
 # What the program starts (the database server, Wine's desktop) keeps its error output open and lives on for some
 # seconds. So whoever copies it is told where it ends, by a line with the control character for the end of a text; else
 # a reader of this script's error output would wait as long.
 in_pipes() {
     local status=0 feeder='' errors copier
-    exec {errors}> >(exec sed -u '/\x04$/{s///;/^$/Q;q}' >&2)
+    trap : INT
+    exec {errors}> >(trap '' INT; exec sed -u '/\x04$/{s///;/^$/Q;q}' >&2)
     copier=$!
     if [ -t 0 ]; then
         exec 3<&0
-        exec 4< <(exec cat <&3)
+        exec 4< <(trap '' INT; exec cat <&3)
         feeder=$!
-        without_sessions "$@" <&4 2>&"$errors" 3<&- 4<&- | cat
+        without_sessions "$@" <&4 2>&"$errors" 3<&- 4<&- | (trap '' INT; exec cat)
         status=${PIPESTATUS[0]}
         exec 3<&- 4<&-
         kill "$feeder" 2>/dev/null || true
     else
-        without_sessions "$@" 2>&"$errors" | cat
+        without_sessions "$@" 2>&"$errors" | (trap '' INT; exec cat)
         status=${PIPESTATUS[0]}
     fi
     printf '\004\n' >&"$errors" || true
     exec {errors}>&-
     wait "$copier" || true
+    trap - INT
     return "$status"
 }

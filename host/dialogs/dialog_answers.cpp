@@ -1,8 +1,10 @@
 #include "host/dialogs/dialog_answers.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "framework/window.h"
+#include "host/dialogs/dialog_contents.h"
 #include "host/dialogs/dialog_input.h"
 #include "host/dialogs/dialog_windows.h"
 #include "host/documents/host.h"
@@ -61,8 +63,17 @@ LRESULT CALLBACK keepOutDevices(int code, WPARAM wParam, LPARAM lParam) {
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
+// The loop of a dialog shows its messages to this hook. The loop in which COM waits for a server does not, but
+// takes posted messages and timers as well: steps taken from there would fall into the middle of what the dialog
+// is doing, or go to the dialog beneath one that is still being filled.
+LRESULT CALLBACK noticeLoop(int code, WPARAM wParam, LPARAM lParam) {
+    if (installed && code == MSGF_DIALOGBOX)
+        installed->taken(*reinterpret_cast<const MSG*>(lParam));
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
 void CALLBACK tickOnTimer(HWND, UINT, UINT_PTR, DWORD) {
-    if (installed)
+    if (installed && installed->isTakenByDialog())
         installed->tick();
 }
 
@@ -73,7 +84,8 @@ DialogAnswers::DialogAnswers(Host& host) : host_(host) {
     const DWORD thread = GetCurrentThreadId();
     hooks_ = {SetWindowsHookExW(WH_CBT, noticeDialogs, nullptr, thread),
               SetWindowsHookExW(WH_MOUSE, keepOutDevices, nullptr, thread),
-              SetWindowsHookExW(WH_KEYBOARD, keepOutDevices, nullptr, thread)};
+              SetWindowsHookExW(WH_KEYBOARD, keepOutDevices, nullptr, thread),
+              SetWindowsHookExW(WH_MSGFILTER, noticeLoop, nullptr, thread)};
 }
 
 DialogAnswers::~DialogAnswers() {
@@ -96,6 +108,14 @@ void DialogAnswers::stopTimer() {
     timer_ = 0;
 }
 
+void DialogAnswers::taken(const MSG& message) {
+    takenByDialog_ = message.message == WM_TIMER && message.wParam == timer_;
+}
+
+bool DialogAnswers::isTakenByDialog() {
+    return std::exchange(takenByDialog_, false);
+}
+
 bool DialogAnswers::keepsDevices() const {
     return timer_ != 0 && host_.input().answersDialogs() && topDialog();
 }
@@ -107,12 +127,13 @@ DialogAnswers::Tasks::iterator DialogAnswers::taskOf(HWND dialog) {
 
 void DialogAnswers::closing(HWND dialog) {
     cancellations_.erase(dialog);
+    asked_.erase(dialog);
     const auto task = taskOf(dialog);
     if (task == tasks_.end())
         return;
     const Answer answer = task->answer;
     tasks_.erase(task);
-    if (!host_.runFailed())
+    if (!host_.runFailed() && !host_.interrupted())
         refuse(dialog, answer, L"The dialog was closed before the action was done.");
 }
 
@@ -123,12 +144,15 @@ void DialogAnswers::tick() {
     const HWND dialog = topDialog();
     if (!dialog && hasDialogs())
         return;  // not shown yet
-    if (!dialog || !(host_.runFailed() || host_.input().answersDialogs()))
+    if (!dialog)
         return stopTimer();  // the next activation starts it again
+    const bool cancelled = host_.runFailed() || host_.interrupted();
+    if (!cancelled && !host_.input().answersDialogs())
+        return;
     ticking_ = true;
     if (GetActiveWindow() != dialog)
         SetActiveWindow(dialog);
-    if (host_.runFailed()) {
+    if (cancelled) {
         tasks_.clear();
         cancel(dialog);
     } else if (const auto task = taskOf(dialog); task != tasks_.end()) {
@@ -140,7 +164,9 @@ void DialogAnswers::tick() {
 }
 
 void DialogAnswers::answer(HWND dialog) {
-    const editor::BoxRequest box = describeDialog(dialog);
+    editor::BoxRequest box = describeDialog(dialog);
+    if (asked_.insert(dialog).second && !box.isMessageBox)
+        box.contents = contentsOf(dialog);
     if (cancellations_.count(dialog) == 0)
         host_.log(L"dialog \"" + box.caption + L"\": " + box.text);
     host_.commandLine().flush();

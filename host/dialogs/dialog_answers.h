@@ -13,6 +13,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -66,6 +67,7 @@ private:
     std::uintptr_t timer_ = 0;
     bool ticking_ = false;
     Tasks tasks_;                        // one a dialog
+    std::set<HWND> asked_;               // the input source was asked for them
     std::map<HWND, int> cancellations_;  // how often a dialog that is still open was cancelled
     int cancelled_ = 0;                  // dialogs in all
 };

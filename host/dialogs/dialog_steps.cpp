@@ -5,8 +5,10 @@
 #include "framework/window.h"
 #include "framework/window_picture.h"
 #include "host/database/names.h"
+#include "host/dialogs/dialog_contents.h"
 #include "host/dialogs/dialog_input.h"
 #include "host/dialogs/dialog_windows.h"
+#include "host/documents/host.h"
 #include "host/documents/host_services.h"
 
 namespace drafthost::dialogs {
@@ -205,6 +207,18 @@ Steps stepsOfScreenshot(const Answer& answer, HWND dialog) {
     })};
 }
 
+// What the control holds, at the command line; without a control what is in the dialog.
+Steps stepsOfShow(const Answer& answer, HWND dialog) {
+    const HWND control = answer.control != 0 ? findControl(dialog, answer.control) : nullptr;
+    if (answer.control != 0 && !control)
+        throw DialogComplaint{L"There is no control #" + std::to_wstring(answer.control) + L"."};
+    return {once([=] {
+        editor::CommandLine& commandLine = theHost().commandLine();
+        commandLine.freshLine();
+        commandLine.write(control ? rowsOf(control) : contentsOf(dialog));
+    })};
+}
+
 Steps stepsOfResize(const Answer& answer, HWND dialog) {
     if ((GetWindowLongW(dialog, GWL_STYLE) & WS_THICKFRAME) == 0)
         throw DialogComplaint{L"The dialog's size is fixed."};
@@ -228,6 +242,7 @@ Steps stepsOf(const Answer& answer, HWND dialog) {
         case Answer::Kind::Key:
             return stepsOfKey(dialog, editor::parseKey(answer.text).value_or(editor::KeyStroke{}));
         case Answer::Kind::Screenshot: return stepsOfScreenshot(answer, dialog);
+        case Answer::Kind::Show: return stepsOfShow(answer, dialog);
         case Answer::Kind::Resize: return stepsOfResize(answer, dialog);
         case Answer::Kind::Enter: return stepsOfKey(dialog, {.virtualKey = VK_RETURN});
         case Answer::Kind::Cancel: return stepsOfKey(dialog, {.virtualKey = VK_ESCAPE});
@@ -280,6 +295,11 @@ void addPick(Steps& steps, HWND combo, const std::wstring& text) {
     const HWND list = comboParts(combo).hwndList;
     steps.push_back([=] { return isListSeen(combo) ? Progress::Done : Progress::Again; });
     addClick(steps, list, [=] { return placeOfEntry(list, index); });
+}
+
+std::wstring textOfEntry(HWND list, int index) {
+    return hasClass(list, L"ListBox") ? entryText(list, LB_GETTEXTLEN, LB_GETTEXT, index)
+                                      : entryText(list, CB_GETLBTEXTLEN, CB_GETLBTEXT, index);
 }
 
 int entryOfList(HWND list, const std::wstring& text) {

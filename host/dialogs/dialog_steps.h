@@ -42,6 +42,8 @@ void addClick(Steps& steps, HWND window);
 // Picks the entry in the combo box's list; opens the list where it is not open. Throws DialogComplaint, also
 // the steps, when there is none.
 void addPick(Steps& steps, HWND combo, const std::wstring& text);
+// The text of an entry of a list box or combo box; empty when there is none.
+std::wstring textOfEntry(HWND list, int index);
 // The number of the entry of a list box or combo box, its case ignored only where no other fits; -1 for none.
 int entryOfList(HWND list, const std::wstring& text);
 int entryOfCombo(HWND combo, const std::wstring& text);

@@ -76,6 +76,15 @@ editor::BoxRequest describeDialog(HWND dialog) {
     return box;
 }
 
+std::vector<HWND> controlsOf(HWND dialog) {
+    std::vector<HWND> controls = descendantsOf(dialog);
+    std::erase_if(controls, [](HWND child) {
+        return !IsWindowVisible(child) || hasClass(child, kDialogClass) ||
+               !hasClass(GetParent(child), kDialogClass);
+    });
+    return controls;
+}
+
 std::vector<HWND> buttonsOf(HWND dialog) {
     std::vector<HWND> buttons = descendantsOf(dialog);
     std::erase_if(buttons, [](HWND child) {

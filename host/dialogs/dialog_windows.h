@@ -24,6 +24,8 @@ bool hasDialogs();
 bool isMessageBox(HWND dialog);
 editor::BoxRequest describeDialog(HWND dialog);
 
+// What is seen of the dialog's controls, in the order of the Tab key, also of dialogs inside the dialog.
+std::vector<HWND> controlsOf(HWND dialog);
 // Those that are seen, also of dialogs inside the dialog.
 std::vector<HWND> buttonsOf(HWND dialog);
 std::wstring withoutAmpersand(std::wstring text);

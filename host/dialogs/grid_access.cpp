@@ -68,6 +68,16 @@ long GridAccess::state(const GridPlace& place) const {
                   STATE_SYSTEM_INVISIBLE);
 }
 
+std::wstring GridAccess::text(const GridPlace& place) const {
+    const auto object = rowObject(place.row);
+    BSTR value = nullptr;
+    if (!object || FAILED(object->get_accValue(child(place.column + 1), &value)) || !value)
+        return {};
+    std::wstring text(value, SysStringLen(value));
+    SysFreeString(value);
+    return text;
+}
+
 RECT GridAccess::area(const GridPlace& place) const {
     const auto object = rowObject(place.row);
     long left = 0, top = 0, width = 0, height = 0;

@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace drafthost::dialogs {
 
@@ -34,6 +35,7 @@ public:
     // ROLE_SYSTEM_ and STATE_SYSTEM_ values. 0, and STATE_SYSTEM_INVISIBLE, for a place that is not there.
     long role(const GridPlace& place) const;
     long state(const GridPlace& place) const;
+    std::wstring text(const GridPlace& place) const;
     // In client coordinates of the window: the part that is seen, or where it would be. Empty for none.
     RECT area(const GridPlace& place) const;
 

@@ -40,6 +40,7 @@ BOOL WINAPI onConsoleEvent(DWORD event) {
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT)
         return FALSE;
     theHost().interrupt();
+    editor::interruptReading();
     return TRUE;
 }
 
@@ -110,8 +111,8 @@ private:
             return prepareAnswers();
         const auto dialogs = options_.screen ? editor::Dialogs::LeftAlone : editor::Dialogs::Answered;
         if (options_.interactive) {
-            host_.setInput(std::make_unique<editor::TerminalInput>(lines_, host_.commandLine(),
-                                                                   options_.echo, dialogs));
+            host_.setInput(
+                std::make_unique<editor::TerminalInput>(lines_, host_.commandLine(), options_.echo, dialogs));
         } else {
             host_.setInput(std::make_unique<editor::EmptySource>(
                 [this](const std::wstring& message) { host_.warn(message); }, dialogs));
@@ -173,9 +174,15 @@ private:
             succeeded = body();
             document().commands().finishWithDrafter();
         }
-        host_.clearInterrupt();
+        forgetInterrupt();
         checkBalance(before, what);
         return succeeded;
+    }
+
+    void forgetInterrupt() {
+        host_.clearInterrupt();
+        if (options_.interactive)
+            editor::forgetInterruption();
     }
 
     void checkBalance(const Balance& before, const std::wstring& what) {
@@ -229,6 +236,10 @@ private:
         host_.commandLine().write(prompt);
         host_.commandLine().flush();
         auto line = lines_.next();
+        if (line == L"\x1b") {
+            forgetInterrupt();
+            line.emplace();
+        }
         if (line && options_.echo)
             host_.commandLine().write(*line + L"\n");
         // Without echo the drafter's own Return has ended the line.

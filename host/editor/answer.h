@@ -42,6 +42,7 @@ struct Answer {
         GridDoubleClick,
         Key,         // text: its name, "Control+Left"
         Screenshot,  // text: file
+        Show,        // control: its rows, or all of the dialog's controls
         Resize,      // width, height
         Exhausted,  // nothing more will come
     };

@@ -137,6 +137,10 @@ bool readControl(Words& words, Answer& answer) {
     return control.has_value();
 }
 
+bool readControlOrNothing(Words& words, Answer& answer) {
+    return words.empty() || readControl(words, answer);
+}
+
 bool readButton(Words& words, Answer& answer) {
     if (readControl(words, answer))
         return true;
@@ -220,6 +224,7 @@ constexpr Action kActions[] = {
     {L"double", Kind::GridDoubleClick, readDoubleClick, L"double #ID ROW COLUMN"},
     {L"key", Kind::Key, readKey, L"key NAME, a key like Tab or Control+Left"},
     {L"screenshot", Kind::Screenshot, readKeyword, L"screenshot FILE"},
+    {L"show", Kind::Show, readControlOrNothing, L"show #ID, or show"},
     {L"resize", Kind::Resize, readSize, L"resize WIDTH HEIGHT"},
 };
 
@@ -230,7 +235,9 @@ const Action* actionOf(Kind kind) {
     return found == std::end(kActions) ? nullptr : found;
 }
 
-std::wstring parseLine(std::wstring_view line, Answer& answer) {
+}  // namespace
+
+std::wstring parseAction(std::wstring_view line, Answer& answer) {
     Words words(line);
     const std::wstring name = words.word();
     const auto action = std::find_if(std::begin(kActions), std::end(kActions),
@@ -242,8 +249,6 @@ std::wstring parseLine(std::wstring_view line, Answer& answer) {
         return std::wstring(L"the action is written: ") + action->usage;
     return {};
 }
-
-}  // namespace
 
 std::vector<Answer> parseAnswers(std::wstring_view text, const std::wstring& name,
                                  AnswersFileError& problem) {
@@ -259,7 +264,7 @@ std::vector<Answer> parseAnswers(std::wstring_view text, const std::wstring& nam
             continue;
         Answer answer;
         answer.origin = name + L" line " + std::to_wstring(number);
-        const std::wstring complaint = parseLine(line, answer);
+        const std::wstring complaint = parseAction(line, answer);
         if (!complaint.empty()) {
             problem = {number, complaint};
             return actions;

@@ -20,6 +20,10 @@ struct AnswersFileError {
 // name: how the file is called in messages.
 std::vector<Answer> parseAnswers(std::wstring_view text, const std::wstring& name, AnswersFileError& problem);
 
+// One action, into the answer; what is wrong with it, as a sentence without a capital and a full stop, or
+// empty.
+std::wstring parseAction(std::wstring_view line, Answer& answer);
+
 class ScriptedDrafter final : public InputSource {
 public:
     // warn: prints on standard error. fail: ends the run, with the reason.

@@ -17,7 +17,7 @@ class LineReader {
 public:
     // Answers nothing at the end of the input.
     using Reader = std::function<std::optional<std::string>()>;
-    LineReader();  // standard input
+    LineReader();  // standard input; a line that is Esc when interruptReading() was called
     explicit LineReader(Reader reader) : reader_(std::move(reader)) {}
     std::optional<std::wstring> next();
 
@@ -27,26 +27,36 @@ private:
     bool ended_ = false;
 };
 
+// Ctrl-C: ends a wait for standard input, or the next one when nobody waits. Any thread.
+void interruptReading();
+void forgetInterruption();
+
 class TerminalInput final : public InputSource {
 public:
     // echo: the lines are printed, because no terminal shows them.
     TerminalInput(LineReader& lines, CommandLine& commandLine, bool echo, Dialogs dialogs = Dialogs::Answered)
         : lines_(lines), commandLine_(commandLine), echo_(echo), dialogs_(dialogs) {}
     Answer next(const InputRequest& request) override;
-    // A box with one button is shown as text and closed; others are asked like a prompt.
+    // A message box with one button is shown as text and closed; others are asked like a prompt. A dialog is
+    // told when it is new, and takes the actions of answers files, or the text of one of its buttons.
     Answer nextForBox(const BoxRequest& box) override;
     bool refuse(const Answer& answer, const std::wstring& waitedFor, const std::wstring& complaint) override;
     bool answersDialogs() const override { return dialogs_ == Dialogs::Answered; }
     bool needsEcho() const override { return echo_; }
 
 private:
-    std::optional<std::wstring> read();
+    // ending: what happens at the end of the input.
+    std::optional<std::wstring> read(const wchar_t* ending);
+    std::optional<std::wstring> readAtBox();
+    Answer nextForMessageBox(const BoxRequest& box);
+    Answer actionOf(const std::wstring& line, const BoxRequest& box);
 
     LineReader& lines_;
     CommandLine& commandLine_;
     bool echo_;
     Dialogs dialogs_;
     bool warned_ = false;
+    bool hinted_ = false;
 };
 
 }  // namespace drafthost::editor

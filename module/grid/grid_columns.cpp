@@ -2,6 +2,7 @@
 
 #include "module/grid/grid_model.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tessary {
@@ -58,7 +59,7 @@ int GridModel::columnWidth(int column) const {
 
 void GridModel::setColumnWidth(int column, int width) {
     if (hasColumn(column)) {
-        columnAt(column).width = std::max(width, 0);
+        columnAt(column).width = std::clamp(width, 0, widestColumn);
     }
 }
 

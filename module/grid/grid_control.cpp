@@ -119,6 +119,11 @@ LRESULT CGridCtrl::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 
 LRESULT CGridCtrl::onSize(WPARAM wParam, LPARAM lParam) {
     if (!settling_) {
+        // Cells may move in another size, and an editor would stay where it is.
+        const std::weak_ptr<CGridCtrl*> life = self_;
+        endEditing();
+        if (life.expired() || !handle())
+            return 0;
         layoutSettled_ = false;
         settleLayout();
         InvalidateRect(handle(), nullptr, FALSE);

@@ -217,9 +217,9 @@ private:
     // ---- Scrolling (grid_scrolling.cpp), in pixels
     int pageRows() const;  // that fit below the header, at least 1
     POINT scrollEnd() const;
+    // An open editor ends before its cell moves away; its owner may do anything then.
     void scrollTo(POINT offset);
-    // As the drafter does: an open editor ends before its cell moves away.
-    void scrollByDrafter(int dx, int dy);
+    void scrollBy(int dx, int dy);
     // Brings the scroll bars up to date with the layout. Anything may be shown or hidden by it.
     void settleLayout();
     bool fitsWithoutScrollBars() const;

@@ -33,9 +33,10 @@ void CGridCtrl::focusCell(int row, int column) {
 
 void CGridCtrl::moveFocus(GridPosition to, bool extendSelection) {
     const int rowBefore = focus_.row;
+    const std::weak_ptr<CGridCtrl*> life = self_;
     placeFocus(to, extendSelection && !singleRow_);
     ensureVisible(to.row, to.column);
-    if (to.row != rowBefore)
+    if (!life.expired() && to.row != rowBefore && focus_ == to)
         notifyOwner(gridSelectionChanged, to.row, to.column);
 }
 

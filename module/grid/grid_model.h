@@ -67,7 +67,8 @@ public:
     // Column names, case-sensitive: -1 for an unknown one. A name given twice is the later column's.
     void setColumnName(int column, const std::wstring& name);
     int columnNamed(const std::wstring& name) const;
-    // In pixels; 0 hides the column. A negative width is 0.
+    // In pixels; 0 hides the column. A negative width is 0, one beyond widestColumn is that.
+    static constexpr int widestColumn = 100'000;  // sums over thousands of columns stay in range
     int columnWidth(int column) const;
     void setColumnWidth(int column, int width);
 

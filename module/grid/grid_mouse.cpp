@@ -136,13 +136,14 @@ void CGridCtrl::pressCell(const GridPosition& cell, POINT at, bool extend) {
     moveFocus(cell, extend);
 }
 
-// An editor ends with its loss of the focus; what its owner does then may be anything. False when the grid
-// is gone, or its owner edits a cell again.
+// An editor, of this grid or another, ends with its loss of the focus; what its owner does then may be
+// anything. False when the grid is gone, or the owner has put the focus elsewhere, as into a cell that is
+// edited again: the click is over then.
 bool CGridCtrl::takeKeyboard() {
     const std::weak_ptr<CGridCtrl*> life = self_;
     if (GetFocus() != handle())
         SetFocus(handle());
-    return !life.expired() && handle() && !isEditing();
+    return !life.expired() && handle() && GetFocus() == handle() && !isEditing();
 }
 
 LRESULT CGridCtrl::onButtonDown(WPARAM wParam, LPARAM lParam) {
@@ -234,8 +235,10 @@ LRESULT CGridCtrl::onTimer(WPARAM wParam, LPARAM lParam) {
         const int rows = std::min(20, 1 + std::abs(distance) / (2 * rowHeight()));
         return distance < 0 ? -rows * rowHeight() : distance > 0 ? rows * rowHeight() : 0;
     };
-    scrollByDrafter(step(at.x, area.left, area.right), step(at.y, area.top, area.bottom));
-    extendPress(at);
+    const std::weak_ptr<CGridCtrl*> life = self_;
+    scrollBy(step(at.x, area.left, area.right), step(at.y, area.top, area.bottom));
+    if (!life.expired() && press_.kind == Press::Kind::cells)
+        extendPress(at);
     return 0;
 }
 

@@ -95,28 +95,33 @@ void CGridCtrl::settleLayout() {
 void CGridCtrl::scrollTo(POINT offset) {
     if (!handle())
         return;
-    settleLayout();
-    const POINT end = scrollEnd();
-    offset = {std::clamp(offset.x, 0L, end.x), std::clamp(offset.y, 0L, end.y)};
-    if (offset.x == scroll_.x && offset.y == scroll_.y)
+    const auto reachable = [this](POINT wanted) {
+        settleLayout();
+        const POINT end = scrollEnd();
+        return POINT{std::clamp(wanted.x, 0L, end.x), std::clamp(wanted.y, 0L, end.y)};
+    };
+    const auto isThere = [this](POINT wanted) { return wanted.x == scroll_.x && wanted.y == scroll_.y; };
+    POINT to = reachable(offset);
+    if (isThere(to))
         return;
-    scroll_ = offset;
+    if (isEditing()) {
+        const std::weak_ptr<CGridCtrl*> life = self_;
+        endEditing();
+        if (life.expired() || !handle())
+            return;
+        to = reachable(offset);
+        if (isThere(to))
+            return;
+    }
+    scroll_ = to;
     layoutSettled_ = false;
     settleLayout();
     refresh();
 }
 
-void CGridCtrl::scrollByDrafter(int dx, int dy) {
+void CGridCtrl::scrollBy(int dx, int dy) {
     settleLayout();
-    const POINT end = scrollEnd();
-    const POINT to{std::clamp(scroll_.x + dx, 0L, end.x), std::clamp(scroll_.y + dy, 0L, end.y)};
-    if (to.x == scroll_.x && to.y == scroll_.y)
-        return;
-    const std::weak_ptr<CGridCtrl*> life = self_;
-    if (isEditing())
-        endEditing();
-    if (!life.expired())
-        scrollTo(to);
+    scrollTo({scroll_.x + dx, scroll_.y + dy});
 }
 
 // Each direction for itself: the row is brought into view in a hidden column, too.
@@ -172,7 +177,7 @@ LRESULT CGridCtrl::onScrollBar(int bar, WPARAM wParam) {
         case SB_BOTTOM: step = info.nMax - position; break;
         default: return 0;
     }
-    scrollByDrafter(vertical ? 0 : step, vertical ? step : 0);
+    scrollBy(vertical ? 0 : step, vertical ? step : 0);
     return 0;
 }
 
@@ -198,7 +203,7 @@ LRESULT CGridCtrl::onWheel(WPARAM wParam, LPARAM lParam) {
     wheelRest_[0] += GET_WHEEL_DELTA_WPARAM(wParam) * notch;
     const int step = wheelRest_[0] / WHEEL_DELTA;
     wheelRest_[0] %= WHEEL_DELTA;
-    scrollByDrafter(0, -step);
+    scrollBy(0, -step);
     return 0;
 }
 
@@ -214,7 +219,7 @@ LRESULT CGridCtrl::onHorizontalWheel(WPARAM wParam, LPARAM lParam) {
     wheelRest_[1] += GET_WHEEL_DELTA_WPARAM(wParam) * notch;
     const int step = wheelRest_[1] / WHEEL_DELTA;
     wheelRest_[1] %= WHEEL_DELTA;
-    scrollByDrafter(step, 0);
+    scrollBy(step, 0);
     return 0;
 }
 

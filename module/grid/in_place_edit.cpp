@@ -80,12 +80,7 @@ LRESULT CInPlaceEdit::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
             return 0;
         case WM_CHAR:
         case WM_IME_CHAR: return onChar(wParam, lParam);
-        case WM_SYSKEYDOWN: {
-            // The character of Alt and a key would reach the dialog's mnemonics before this window.
-            MSG character;
-            PeekMessageW(&character, handle(), WM_SYSCHAR, WM_SYSCHAR, PM_REMOVE);
-            break;
-        }
+        case WM_SYSKEYDOWN: dropSystemCharacter(handle()); break;
         case WM_SYSCHAR: return 0;
         case WM_KILLFOCUS: {
             const LRESULT result = defaultHandling(message, wParam, lParam);

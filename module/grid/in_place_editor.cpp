@@ -123,6 +123,11 @@ void postCharacter(HWND field, UINT character) {
     PostMessageW(field, character < 128 ? WM_CHAR : WM_IME_CHAR, character, 1);
 }
 
+void dropSystemCharacter(HWND field) {
+    MSG character;
+    PeekMessageW(&character, field, WM_SYSCHAR, WM_SYSCHAR, PM_REMOVE);
+}
+
 void startTyping(HWND field, UINT firstKey, bool spaceAndTabSelect) {
     const bool opens = firstKey == VK_LBUTTON || firstKey == VK_RETURN;
     const bool selects = (firstKey >= VK_PRIOR && firstKey <= VK_DOWN) ||

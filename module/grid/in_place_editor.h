@@ -77,5 +77,8 @@ private:
 void startTyping(HWND field, UINT firstKey, bool spaceAndTabSelect);
 // Handles a character as if it had just been typed.
 void postCharacter(HWND field, UINT character);
+// When a key was pressed with Alt: takes its character away, which would reach the dialog's mnemonics before
+// the field.
+void dropSystemCharacter(HWND field);
 
 }  // namespace tessary

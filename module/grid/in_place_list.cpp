@@ -291,12 +291,7 @@ LRESULT CComboEditForGridCell::handleMessage(UINT message, WPARAM wParam, LPARAM
             if (wParam == VK_TAB || (endsOnRelease(wParam) && !owner_.isDropped()))
                 return 0;
             return defaultHandling(WM_CHAR, wParam, lParam);
-        case WM_SYSKEYDOWN: {
-            // The character of Alt and a key would reach the dialog's mnemonics before this window.
-            MSG character;
-            PeekMessageW(&character, handle(), WM_SYSCHAR, WM_SYSCHAR, PM_REMOVE);
-            break;
-        }
+        case WM_SYSKEYDOWN: dropSystemCharacter(handle()); break;
         case WM_SYSCHAR: return 0;
         case WM_KILLFOCUS: {
             const bool stays = owner_.isPart(reinterpret_cast<HWND>(wParam));

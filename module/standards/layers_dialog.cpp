@@ -117,6 +117,14 @@ void CLayerCustomization::anchorControls() {
     anchor(IDCANCEL, anchorBottom);
 }
 
+bool CLayerCustomization::store(StandardsRecord& record) {
+    const bool written = record.update();
+    if (!written) {
+        fetchServerError(*connection_);
+    }
+    return written;
+}
+
 void CLayerCustomization::setUpGrids() {
     setUpList(systems_, handle(), LayersDialogId::systems,
               {{L"", false}, {L"ixLayerSystem", false}, {L"Layer System"}, {L"iSortOrder", false}}, 1);

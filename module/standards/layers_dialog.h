@@ -54,6 +54,9 @@ private:
     void routeMessages();
     void anchorControls();
     void setUpGrids();
+    // Writes the record's changes. A row that the database declines is lost without a message; the server's
+    // error is recorded. Whether the row was written.
+    bool store(StandardsRecord& record);
 
     // ---- Layers (layers_dialog_layers.cpp)
     // All layers in the order of their names, until visit answers false.
@@ -80,7 +83,14 @@ private:
 
     // ---- Keys (layers_dialog_keys.cpp)
     void fillLayerKeys();
-    void addKey(int ixLayerKey, int ixLayer, const std::wstring& key);
+    struct StoredKey {
+        int key = 0;             // ixLayerKey
+        int layer = 0;           // ixLayer
+        std::wstring layerName;  // empty when there is no such layer
+        std::wstring text;       // sKey
+    };
+    // Lists the key if the product shows it. path: of the database.
+    void addKey(const StoredKey& key, const std::wstring& path);
     void fitKeyColumns();
     void saveLayerKeys();
     void undoLayerKeyChanges();

@@ -8,6 +8,8 @@
 #include "module/standards/list_grid.h"
 #include "module/standards/statements.h"
 
+#include <cstddef>
+#include <map>
 #include <utility>
 
 namespace tessary {
@@ -19,6 +21,32 @@ std::wstring keysStatement(int system) {
         system == generalSystem ? std::wstring(L" is Null") : L" = " + intToString(system);
     return L"select ixLayerKey, ixLayer, sKey from tblLayerKey where ixLayerSystem" + owner +
            L" order by sKey";
+}
+
+// The names of the layers, by ixLayer. One call of the server, where asking for each key's layer takes two.
+std::map<int, std::wstring> storedLayerNames(DatabaseConnection& connection) {
+    std::map<int, std::wstring> names;
+    const auto rows = selectRows(connection, L"select ixLayer, sName from tblLayer");
+    for (std::size_t i = 0; rows && i < rows->size(); ++i) {
+        const SelectedRow& row = (*rows)[i];
+        if (row.size() == 2) {
+            names[variantToInt(row[0].get())] = textIn(row[1]).value_or(L"");
+        }
+    }
+    return names;
+}
+
+// The layer of each key, by ixLayerKey, as it stands in the database.
+std::map<int, int> storedLayersOfKeys(DatabaseConnection& connection) {
+    std::map<int, int> layers;
+    const auto rows = selectRows(connection, L"select ixLayerKey, ixLayer from tblLayerKey");
+    for (std::size_t i = 0; rows && i < rows->size(); ++i) {
+        const SelectedRow& row = (*rows)[i];
+        if (row.size() == 2) {
+            layers[variantToInt(row[0].get())] = variantToInt(row[1].get());
+        }
+    }
+    return layers;
 }
 
 }  // namespace
@@ -37,9 +65,17 @@ void CLayerCustomization::fillLayerKeys() {
         fitKeyColumns();
         return;
     }
+    const std::wstring path = databasePath();
+    const auto layerNames = storedLayerNames(*connection_);
     for (const SelectedRow& row : *rows) {
         if (row.size() == 3) {
-            addKey(variantToInt(row[0].get()), variantToInt(row[1].get()), textIn(row[2]).value_or(L""));
+            const int layer = variantToInt(row[1].get());
+            const auto name = layerNames.find(layer);
+            addKey({.key = variantToInt(row[0].get()),
+                    .layer = layer,
+                    .layerName = name == layerNames.end() ? std::wstring() : name->second,
+                    .text = textIn(row[2]).value_or(L"")},
+                   path);
         }
     }
     keys_.sortByColumn(compareGridTexts, LayerKeyColumn::sortText, true);
@@ -51,21 +87,19 @@ void CLayerCustomization::fillLayerKeys() {
 }
 
 // The electrical settings are looked up for each key anew, since the LISP code forgets them between calls.
-void CLayerCustomization::addKey(int ixLayerKey, int ixLayer, const std::wstring& key) {
-    layer_callbacks::setElectricalGlobals(databasePath());
-    if (!layer_callbacks::isKeyShown(key)) {
+void CLayerCustomization::addKey(const StoredKey& key, const std::wstring& path) {
+    layer_callbacks::setElectricalGlobals(path);
+    if (!layer_callbacks::isKeyShown(key.text)) {
         return;
     }
-    const std::wstring sortText = layer_callbacks::sortText(key);
-    const std::wstring displayName = layer_callbacks::displayName(key);
+    const std::wstring sortText = layer_callbacks::sortText(key.text);
+    const std::wstring displayName = layer_callbacks::displayName(key.text);
     const int row = keys_.appendRow();
     keys_.setText(row, LayerKeyColumn::displayName, displayName);
-    keys_.setText(row, LayerKeyColumn::key, intToString(ixLayerKey));
+    keys_.setText(row, LayerKeyColumn::key, intToString(key.key));
     keys_.setText(row, LayerKeyColumn::sortText, sortText);
-    keys_.setText(row, LayerKeyColumn::loadedLayer, intToString(ixLayer));
-    if (layer_->seekByIx(ixLayer)) {
-        keys_.setText(row, LayerKeyColumn::layerName, layer_->sName());
-    }
+    keys_.setText(row, LayerKeyColumn::loadedLayer, intToString(key.layer));
+    keys_.setText(row, LayerKeyColumn::layerName, key.layerName);
 }
 
 void CLayerCustomization::fitKeyColumns() {
@@ -73,18 +107,23 @@ void CLayerCustomization::fitKeyColumns() {
     keys_.extendLastColumn();
 }
 
-// A key without a layer of the list, because its own is gone from the database, is left as it is there.
+// A key without a layer of the list, because its own is gone from the database, is left as it is there. Only
+// keys whose layer differs from the database's are written: each write takes its time, and the database has
+// the same afterwards.
 void CLayerCustomization::saveLayerKeys() {
+    const auto stored = storedLayersOfKeys(*connection_);
     layerKey_->setIndex(L"ixLayerKey");
     for (int row = 1; row < keys_.rowCount(); ++row) {
         const CGridCellBase* const choice = keys_.cell(row, LayerKeyColumn::layerName);
         const int layer = choice ? choice->selectedData() : 0;
-        if (layer == 0 || !layerKey_->seekByIx(leadingInteger(keys_.text(row, LayerKeyColumn::key)))) {
-            continue;
+        const int key = leadingInteger(keys_.text(row, LayerKeyColumn::key));
+        const auto found = stored.find(key);
+        const bool changed = layer != 0 && found != stored.end() && found->second != layer;
+        if (changed && layerKey_->seekByIx(key)) {
+            layerKey_->edit();
+            layerKey_->setLayer(layer);
+            store(*layerKey_);
         }
-        layerKey_->edit();
-        layerKey_->setLayer(layer);
-        layerKey_->update();
     }
 }
 

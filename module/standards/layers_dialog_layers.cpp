@@ -1,6 +1,7 @@
 #include "module/standards/layers_dialog.h"
 
 #include "module/binding/dialog_result.h"
+#include "module/binding/text_comparison.h"
 #include "module/binding/variant_conversion.h"
 #include "module/drawing/text_helpers.h"
 #include "module/grid/in_place_list.h"
@@ -62,10 +63,6 @@ std::map<int, LayerFields> storedLayers(DatabaseConnection& connection) {
     return layers;
 }
 
-bool equalIgnoringCase(const std::wstring& one, const std::wstring& other) {
-    return CompareStringOrdinal(one.c_str(), -1, other.c_str(), -1, TRUE) == CSTR_EQUAL;
-}
-
 }  // namespace
 
 void CLayerCustomization::fillLayers() {
@@ -104,7 +101,7 @@ void CLayerCustomization::saveLayers() {
         if (changed && layer_->seekByIx(layerKey(row))) {
             layer_->edit();
             writeLayerRow(layers_, row, *layer_);
-            layer_->update();
+            store(*layer_);
         }
     }
     fillLayerKeys();
@@ -120,7 +117,7 @@ void CLayerCustomization::newLayer() {
     }
     layer_->addNew();
     writeLayerRow(layers_, row, *layer_);
-    const bool stored = layer_->update();
+    const bool stored = store(*layer_);
     layer_->moveLast();
     // A row that the database declined keeps the key of no layer: the last record is another layer's.
     if (stored) {
@@ -224,7 +221,7 @@ void CLayerCustomization::layerNameEdited(int row) {
     if (layer_->seekByIx(key)) {
         layer_->edit();
         writeLayerRow(layers_, row, *layer_);
-        layer_->update();
+        store(*layer_);
     }
     renameLayerOfKeys(key, layers_.text(row, LayerColumn::name));
     takeLayerChoicesFromGrid();

@@ -3,9 +3,14 @@
 #include "framework/instance.h"
 #include "host/api/database.h"
 #include "host/api/symbol_tables.h"
+#include "module/binding/text_comparison.h"
+#include "module/drawing/model_space.h"
 #include "module/resource_ids.h"
 #include "module/resources/module_icon.h"
 #include "module/standards/list_grid.h"
+
+#include <memory>
+#include <vector>
 
 namespace tessary {
 
@@ -22,27 +27,21 @@ struct Linetype {
 
 // Those of the working database, in the order of its table. What cannot be opened is left out.
 std::vector<Linetype> drawingLinetypes() {
-    AcDbLinetypeTable* table = nullptr;
-    if (acdbHostApplicationServices()->workingDatabase()->getSymbolTable(table, AcDb::kForRead) !=
+    AcDbLinetypeTable* opened = nullptr;
+    if (acdbHostApplicationServices()->workingDatabase()->getSymbolTable(opened, AcDb::kForRead) !=
         Acad::eOk) {
         return {};
     }
+    const std::unique_ptr<AcDbLinetypeTable, CloseObject> table(opened);
     const AcArray<AcDbObjectId> ids = table->recordIds();
-    table->close();
-
     std::vector<Linetype> linetypes;
     for (int i = 0; i < ids.length(); ++i) {
-        AcDbLinetypeTableRecord* record = nullptr;
-        if (acdbOpenObject(record, ids[i], AcDb::kForRead) == Acad::eOk) {
+        const AcDbObjectPointer<AcDbLinetypeTableRecord> record(ids[i], AcDb::kForRead);
+        if (record.openStatus() == Acad::eOk) {
             linetypes.push_back({record->name(), record->comments()});
-            record->close();
         }
     }
     return linetypes;
-}
-
-bool equalIgnoringCase(const std::wstring& one, const std::wstring& other) {
-    return CompareStringOrdinal(one.c_str(), -1, other.c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
 }  // namespace

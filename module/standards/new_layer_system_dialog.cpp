@@ -2,6 +2,7 @@
 
 #include "framework/instance.h"
 #include "module/binding/message_box.h"
+#include "module/binding/text_comparison.h"
 #include "module/binding/variant_conversion.h"
 #include "module/resource_ids.h"
 #include "module/resources/module_icon.h"
@@ -16,10 +17,6 @@ constexpr int idSources = 1013;
 
 // What the database keeps of a text.
 constexpr WPARAM longestName = 255;
-
-bool equalIgnoringCase(const std::wstring& one, const std::wstring& other) {
-    return CompareStringOrdinal(one.c_str(), -1, other.c_str(), -1, TRUE) == CSTR_EQUAL;
-}
 
 }  // namespace
 

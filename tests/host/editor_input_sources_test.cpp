@@ -136,6 +136,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BadLine{L"check #5 maybe", L"the action is written: check #ID on or check #ID off"},
                     BadLine{L"cell #5 1", L"the action is written: cell #ID ROW COLUMN TEXT"},
                     BadLine{L"double #5 1 2 x", L"the action is written: double #ID ROW COLUMN"},
+                    BadLine{L"show list", L"the action is written: show #ID, or show"},
                     BadLine{L"key Kontrol+A",
                             L"the action is written: key NAME, a key like Tab or Control+Left"},
                     BadLine{L"key F25", L"the action is written: key NAME, a key like Tab or Control+Left"},

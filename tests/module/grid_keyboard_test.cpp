@@ -100,6 +100,21 @@ TEST(GridKeyboard, ShiftExtendsTheSelection) {
     EXPECT_EQ(window.grid.selectedBlock(), (std::pair{GridPosition{2, 0}, GridPosition{2, 0}}));
 }
 
+TEST(GridKeyboard, SelectingAllOfAGridThatItsOwnerEmptiesSelectsNothing) {
+    GridWindow window;
+    window.fill(4, 3);
+    window.answer = [&](const GridEvent& event) -> LRESULT {
+        if (event.code == gridSelectionChanged)
+            window.grid.setRowCount(1);
+        return 0;
+    };
+    window.grid.focusCell(-1, -1);
+    window.press('A', withControl);
+    EXPECT_EQ(window.grid.rowCount(), 1);
+    window.grid.setRowCount(3);
+    EXPECT_FALSE(window.grid.isSelected(1, 0));
+}
+
 TEST(GridKeyboard, ListModeMovesByRows) {
     GridWindow window;
     fillWithHidden(window, 6);

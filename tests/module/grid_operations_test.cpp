@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -246,6 +247,27 @@ TEST(GridOperations, anEditorStaysOpenWhileOtherCellsChange) {
     EXPECT_EQ(Events(), window.takeEvents());
     window.press(VK_RETURN);
     EXPECT_EQ(L"typed", window.grid.text(2, 1));
+}
+
+TEST(GridOperations, anEditorEndsBeforeTheViewMovesBelowIt) {
+    GridWindow window;
+    window.fill(60, 3);
+    const auto resize = [&] {
+        SetWindowPos(window.grid.handle(), nullptr, 0, 0, 300, 100, SWP_NOMOVE | SWP_NOZORDER);
+    };
+    const std::vector<std::function<void()>> moves{[&] { window.grid.ensureVisible(50, 1); },
+                                                   [&] { window.grid.scrollToTop(20); }, resize};
+    for (std::size_t i = 0; i < moves.size(); ++i) {
+        SCOPED_TRACE(i);
+        window.grid.focusCell(1, 1);
+        window.type(L"typed" + std::to_wstring(i));
+        EXPECT_TRUE(window.grid.isEditing());
+        window.takeEvents();
+        moves[i]();
+        EXPECT_FALSE(window.grid.isEditing());
+        EXPECT_EQ((Events{{gridEndEdit, 1, 1, {}}}), window.takeEvents());
+        EXPECT_EQ(L"typed" + std::to_wstring(i), window.grid.text(1, 1));
+    }
 }
 
 TEST(GridOperations, anOwnerMayDeleteTheRowWhoseEditEnds) {

@@ -346,6 +346,19 @@ TEST_F(TextEditor, ClickIntoAnotherCellDoesNotTakeTheFocusFromWhatIsEditedAgain)
     EXPECT_EQ(window.grid.focusedRow(), 1);
 }
 
+TEST_F(TextEditor, ClickIsOverWhenTheOwnerPutsTheFocusElsewhere) {
+    window.answer = [&](const GridEvent& event) {
+        if (event.code == gridEndEdit)
+            SetFocus(window.ownerControl(GridWindow::afterId));
+        return 0;
+    };
+    window.type(L"new");
+    window.mouseDown(window.middle(2, 2));
+    EXPECT_EQ(GetFocus(), window.ownerControl(GridWindow::afterId));
+    EXPECT_EQ(window.grid.focusedRow(), 1);
+    EXPECT_EQ(GetCapture(), nullptr);
+}
+
 TEST_F(TextEditor, EndsOnceWhateverTheOwnerDoesMeanwhile) {
     const std::vector<std::function<void()>> deeds{
         [&] { window.grid.endEditing(); },

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -324,6 +325,18 @@ TEST(GridView, RowsUnderACollapsedSectionHaveNoPlace) {
     EXPECT_EQ(window.grid.cellAt({2, 2 * height + 2}).row, 4);
     window.clickAt(window.inCell(1, 0, {8, height / 2}));
     EXPECT_EQ(window.grid.cellArea(2, 0)->top, 2 * height);
+}
+
+TEST(GridView, EnormousWidthsAreNoFault) {
+    GridWindow window;
+    window.fill(3, 4, std::numeric_limits<int>::max());
+    window.grid.ensureVisible(2, 3);
+    window.press(VK_END);
+    window.wheel(WHEEL_DELTA, true);
+    window.clickAt({20, 20});
+    EXPECT_EQ(window.grid.columnWidth(3), GridModel::widestColumn);
+    window.grid.autoSizeColumns();
+    EXPECT_LT(window.grid.columnWidth(3), 200);
 }
 
 TEST(GridView, NothingToShowIsNoFault) {

@@ -7,6 +7,7 @@ cd "$work" || exit 1
 touch program.lsp drawing.dxf
 mkdir folder.dxf
 failures=0
+unset DISPLAY
 
 # rejects MESSAGE ARGUMENT...
 rejects() {
@@ -28,6 +29,9 @@ rejects 'needs a file name' run program.lsp --save
 rejects '--shaded needs a file name' run --shaded '' program.lsp
 rejects 'unknown option --colour' run --colour red program.lsp
 rejects 'no readable file missing.lsp' run missing.lsp
+rejects '--screen needs a display' run --screen program.lsp
+rejects '--screen needs a display' repl --screen
+rejects 'unusable argument screen' repl screen
 rejects 'no readable file missing.dxf' run --open missing.dxf program.lsp
 rejects 'no readable file -odd.lsp' run -- -odd.lsp
 rejects 'must end in .dxf' run --save drawing.dwg program.lsp

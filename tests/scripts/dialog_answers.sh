@@ -182,6 +182,13 @@ echo '(getint)' >ask.lsp
 answered ask 'row #120 1'
 check 'a dialog action without a dialog' 1 $? err 'line 1: the action "row" needs a dialog, and no dialog is waiting'
 
+# --- what a dialog shows ---
+answered show 'row #120 3' 'choose #109 entry 30' 'show #109' 'show' 'show #120' 'press Cancel'
+check 'what a dialog shows' 0 $? out ' entry 29' out '*entry 30' out '#101 text: "before"' \
+    out '#115 button "Never" (disabled)' out '#120 grid: 2000 rows, columns 0 Name, 1 On, 2 Colour, 3 Kind, 5 Refused, 6 Far' \
+    out '       0         1   2       3      5        6' out '*3     row 3     0           round' out ' 2000  row 2000'
+refused 'show #999' 'There is no control #999.'
+
 # --- the file is used up, or nobody answers ---
 answered show 'press Ask'
 check 'used up in a dialog of a dialog' 0 $? err 'a.answers is used up' out 'asked 7' out 'cancelled2'

@@ -43,6 +43,9 @@ for name in ("100% [A]{B}", "Grün-Ü", "L" * 255, "(a)", "A&B", "DROP TABLE"):
     scene.equal(f"a name like {name[:12]}", names(run), named(("A-WALL", name)))
 run = scene.run(f"cell #{LAYERS} 1 1 {'L' * 256}", f"press #{OK}")
 scene.equal("a name that the database declines is lost, and nothing else", (names(run), run.layer("P-PIPE")[0]), (named(), 5))
+for action in (f"cell #{LAYERS} 1 1 {'L' * 256}", f"cell #{LAYERS} 1 6 {'L' * 256}"):
+    run = scene.run(action, f"press #{OK}", call=WITH_PATH + ' (princ (strcat "last error: " (ts_lastError)))')
+    scene.contains("why a row was declined can be asked for", run.out, "last error: (")
 
 # ---- Names that are refused
 

@@ -7,6 +7,7 @@ import fcntl
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -134,7 +135,9 @@ def start(scene, program, *options):
     command = [standards.WINE, str(BIN / "drafthost.exe"), "run", "--screen", "--module", str(BIN / "Tessary2010x64.arx"),
                "--support", str(ROOT / "lisp"), *options, "program.lsp"]
     with open(scene.folder / "out.txt", "wb") as out, open(scene.folder / "err.txt", "wb") as errors:
-        return subprocess.Popen(command, cwd=scene.folder, stdin=subprocess.DEVNULL, stdout=out, stderr=errors)
+        # A shell may have started the tests with Ctrl-C ignored, which programs inherit.
+        return subprocess.Popen(command, cwd=scene.folder, stdin=subprocess.DEVNULL, stdout=out, stderr=errors,
+                                preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
 
 
 def work_in_layers_dialog(scene, drafter):
@@ -223,6 +226,17 @@ def answers_on_a_display(scene):
     scene.contains("answers on a display", (scene.folder / "out.txt").read_text(), "closed")
 
 
+def interrupted(scene):
+    """Ctrl-C in the terminal cancels the dialog that is open, and the program."""
+    host = start(scene, "(acad_colordlg 5) (princ 'afterwards)")
+    Drafter(scene).wait("the color dialog", "Select Color", lambda now: now.controls)
+    host.send_signal(signal.SIGINT)
+    scene.equal("Ctrl-C: status", host.wait(PATIENCE), 1)
+    said = (scene.folder / "out.txt").read_text()
+    scene.contains("Ctrl-C", said, "; error: Function cancelled")
+    scene.equal("Ctrl-C: the program goes on", "AFTERWARDS" in said, False)
+
+
 def no_display(scene):
     os.environ["DISPLAY"] = ":4999"
     host = start(scene, '(alert "Nobody sees this")')
@@ -234,5 +248,6 @@ with display(), prefix():
     scene = standards.Scene("screen_mouse")
     layers_dialog(scene)
     answers_on_a_display(scene)
+    interrupted(scene)
     no_display(scene)
 scene.finish()
