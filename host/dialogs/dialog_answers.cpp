@@ -63,9 +63,9 @@ LRESULT CALLBACK keepOutDevices(int code, WPARAM wParam, LPARAM lParam) {
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
-// The loop of a dialog shows its messages to this hook. The loop in which COM waits for a server does not, but
-// takes posted messages and timers as well: steps taken from there would fall into the middle of what the dialog
-// is doing, or go to the dialog beneath one that is still being filled.
+// The loop of a dialog shows its messages to this hook. The loop in which COM waits for a server does not,
+// but takes posted messages and timers as well: steps taken from there would fall into the middle of what the
+// dialog is doing, or go to the dialog beneath one that is still being filled.
 LRESULT CALLBACK noticeLoop(int code, WPARAM wParam, LPARAM lParam) {
     if (installed && code == MSGF_DIALOGBOX)
         installed->taken(*reinterpret_cast<const MSG*>(lParam));

@@ -34,9 +34,12 @@ public:
     DialogAnswers(const DialogAnswers&) = delete;
     DialogAnswers& operator=(const DialogAnswers&) = delete;
 
-    // Of the hook and the timer.
+    // Of the hooks and the timer.
     void noticed();
     void closing(HWND dialog);
+    void taken(const MSG& message);
+    // Whether the timer's message came through the loop of a dialog; asked once a message.
+    bool isTakenByDialog();
     void tick();
     // The answers come from a source that uses dialogs: the keyboard must not go to another program then, and
     // the machine's own mouse and keyboard are kept out.
@@ -63,9 +66,10 @@ private:
     void insist(HWND dialog);
 
     Host& host_;
-    std::array<HHOOK, 3> hooks_{};
+    std::array<HHOOK, 4> hooks_{};
     std::uintptr_t timer_ = 0;
     bool ticking_ = false;
+    bool takenByDialog_ = false;         // the last message that a dialog's loop took was the timer's
     Tasks tasks_;                        // one a dialog
     std::set<HWND> asked_;               // the input source was asked for them
     std::map<HWND, int> cancellations_;  // how often a dialog that is still open was cancelled

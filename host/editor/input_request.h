@@ -70,7 +70,7 @@ struct BoxRequest {
     std::wstring text;                  // of a message box
     std::vector<std::wstring> buttons;  // without "&"
     bool isMessageBox = true;           // nothing but a text and buttons
-    std::wstring contents;              // of a dialog that is asked for the first time: lines that tell it
+    std::wstring contents{};            // of a dialog that is asked for the first time: lines that tell it
 };
 
 // What is waited for, for messages: `a button of "Save"`, `the dialog "Layers"`.

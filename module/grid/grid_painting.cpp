@@ -148,9 +148,10 @@ Colors GridPainter::colorsOf(int row, int column) const {
     // Among selected cells the focused one stands out by not being filled.
     const bool isFocus = grid_.focus_ == GridPosition{row, column} && !grid_.listMode_;
     if (grid_.isSelected(row, column) && !isFocus) {
-        const bool canFade = GetSysColor(COLOR_BTNFACE) != GetSysColor(COLOR_WINDOW);
-        return active_ || !canFade ? pair(COLOR_HIGHLIGHTTEXT, COLOR_HIGHLIGHT)
-                                   : pair(COLOR_BTNTEXT, COLOR_BTNFACE);
+        // A selection without the keyboard is paler: near enough to the window's color for the window's text.
+        const COLORREF faded = between(between(GetSysColor(COLOR_HIGHLIGHT), window_), window_);
+        return active_ ? pair(COLOR_HIGHLIGHTTEXT, COLOR_HIGHLIGHT)
+                       : Colors{GetSysColor(COLOR_WINDOWTEXT), faded};
     }
     return grid_.model_.isSectionRow(row) ? pair(COLOR_BTNTEXT, COLOR_BTNFACE)
                                           : pair(COLOR_WINDOWTEXT, COLOR_WINDOW);

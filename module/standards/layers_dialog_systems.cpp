@@ -96,6 +96,8 @@ void CLayerCustomization::newSystem() {
     const int row = addSystemRow(*key, dialog.name());
     systems_.focusCell(row, LayerSystemColumn::name);
     systems_.ensureVisible(row, LayerSystemColumn::name);
+    // As when the drafter selects a system: the grid tells nobody of a focus that it is given.
+    enableMoving(true);
     saveLayerKeys();
     fillLayerKeys();
 }

@@ -17,6 +17,14 @@ std::wstring currentDatabasePath() {
     return connection ? callForText(*connection, &DatabaseConnection::DatabasePath) : std::wstring();
 }
 
+// The host's main window; while that waits for a dialog whose LISP functions open another one, that dialog,
+// which must not take input meanwhile.
+HWND parentOfDialog() {
+    const HWND main = adsw_acadMainWnd();
+    const HWND active = GetActiveWindow();
+    return active && !IsWindowEnabled(main) ? active : main;
+}
+
 }  // namespace
 
 StandardsPath readStandardsPath(ArgCursor& cursor) {
@@ -63,7 +71,7 @@ void openStandardsDatabase(const StandardsDialog& runDialog) {
     const StandardsPath path = readStandardsPath(cursor);
     StandardsDatabase database = {createConnection(), path.given};
     if (database.connection && openForCustomization(database.connection, path.path)) {
-        runStandardsDialog(database, adsw_acadMainWnd(), runDialog);
+        runStandardsDialog(database, parentOfDialog(), runDialog);
     }
 }
 

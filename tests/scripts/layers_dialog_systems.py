@@ -129,7 +129,9 @@ for row, moves, expected in ((3, (UP,), ["Return", "Supply", "Exhaust"]), (2, (U
     scene.equal(f"row {row} {moves}", run.systems(), list(zip(expected, (2, 3, 4))))
 run = scene.run(f"row #{SYSTEMS} 3", UP, f"cell #{KEYS} 1 4 P-PIPE", f"press #{OK}")
 scene.equal("the focus moves with the row, and the keys stay", keys_of(run, 1), [("Duct", 4)])
-for answers in ((UP,), (f"row #{SYSTEMS} 3", f"row #{SYSTEMS} 1", DOWN), (*MORE, UP)):
+run = scene.run(*MORE, UP, f"press #{OK}")
+scene.equal("a new system can be moved at once", [name for name, place in run.systems()], ["Supply", "Return", "More", "Exhaust"])
+for answers in ((UP,), (f"row #{SYSTEMS} 3", f"row #{SYSTEMS} 1", DOWN)):
     run = scene.run(*answers, clean=False)
     scene.contains("the general system is not moved, and nothing before a system is selected", run.errors, "is disabled")
 
