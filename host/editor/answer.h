@@ -44,7 +44,7 @@ struct Answer {
         Screenshot,  // text: file
         Show,        // control: its rows, or all of the dialog's controls
         Resize,      // width, height
-        Exhausted,  // nothing more will come
+        Exhausted,   // nothing more will come
     };
     Kind kind = Kind::Exhausted;
     AcGePoint3d point, second;

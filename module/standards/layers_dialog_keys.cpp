@@ -36,19 +36,6 @@ std::map<int, std::wstring> storedLayerNames(DatabaseConnection& connection) {
     return names;
 }
 
-// The layer of each key, by ixLayerKey, as it stands in the database.
-std::map<int, int> storedLayersOfKeys(DatabaseConnection& connection) {
-    std::map<int, int> layers;
-    const auto rows = selectRows(connection, L"select ixLayerKey, ixLayer from tblLayerKey");
-    for (std::size_t i = 0; rows && i < rows->size(); ++i) {
-        const SelectedRow& row = (*rows)[i];
-        if (row.size() == 2) {
-            layers[variantToInt(row[0].get())] = variantToInt(row[1].get());
-        }
-    }
-    return layers;
-}
-
 }  // namespace
 
 // The keys of the system whose row has the focus. Nothing at all while they are shown already.
@@ -107,19 +94,15 @@ void CLayerCustomization::fitKeyColumns() {
     keys_.extendLastColumn();
 }
 
-// A key without a layer of the list, because its own is gone from the database, is left as it is there. Only
-// keys whose layer differs from the database's are written: each write takes its time, and the database has
-// the same afterwards.
+// All keys, changed or not: the list decides, also where somebody else has given a key another layer
+// meanwhile. A key without a layer of the list, because its own is gone from the database, is left as it is
+// there.
 void CLayerCustomization::saveLayerKeys() {
-    const auto stored = storedLayersOfKeys(*connection_);
     layerKey_->setIndex(L"ixLayerKey");
     for (int row = 1; row < keys_.rowCount(); ++row) {
         const CGridCellBase* const choice = keys_.cell(row, LayerKeyColumn::layerName);
         const int layer = choice ? choice->selectedData() : 0;
-        const int key = leadingInteger(keys_.text(row, LayerKeyColumn::key));
-        const auto found = stored.find(key);
-        const bool changed = layer != 0 && found != stored.end() && found->second != layer;
-        if (changed && layerKey_->seekByIx(key)) {
+        if (layer != 0 && layerKey_->seekByIx(leadingInteger(keys_.text(row, LayerKeyColumn::key)))) {
             layerKey_->edit();
             layerKey_->setLayer(layer);
             store(*layerKey_);

@@ -10,30 +10,9 @@
 #include "module/standards/statements.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <map>
 #include <string>
-#include <utility>
 
 namespace tessary {
-
-namespace {
-
-// Name and sort order of each system, by ixLayerSystem, as they stand in the database.
-std::map<int, std::pair<std::wstring, int>> storedSystems(DatabaseConnection& connection) {
-    std::map<int, std::pair<std::wstring, int>> systems;
-    const auto rows =
-        selectRows(connection, L"select ixLayerSystem, sDescription, iSortOrder from tblLayerSystem");
-    for (std::size_t i = 0; rows && i < rows->size(); ++i) {
-        const SelectedRow& row = (*rows)[i];
-        if (row.size() == 3) {
-            systems[variantToInt(row[0].get())] = {textIn(row[1]).value_or(L""), variantToInt(row[2].get())};
-        }
-    }
-    return systems;
-}
-
-}  // namespace
 
 void CLayerCustomization::fillLayerSystems(int selected) {
     const FillingList filling(systems_);
@@ -66,15 +45,12 @@ int CLayerCustomization::addSystemRow(int key, const std::wstring& name) {
 }
 
 // The place in the grid becomes the sort order, so the first real system has 2. Neither the header nor the
-// general system is found in the database. Only systems that differ are written, as with layers.
+// general system is found in the database.
 void CLayerCustomization::saveSystems() {
-    const auto stored = storedSystems(*connection_);
     for (int row = 0; row < systems_.rowCount(); ++row) {
-        const std::pair shown(systems_.text(row, LayerSystemColumn::name), row);
-        const auto found = stored.find(systemKey(row));
-        if (found != stored.end() && found->second != shown && layerSystem_->seekByIx(systemKey(row))) {
+        if (layerSystem_->seekByIx(systemKey(row))) {
             layerSystem_->edit();
-            layerSystem_->setDescription(shown.first);
+            layerSystem_->setDescription(systems_.text(row, LayerSystemColumn::name));
             layerSystem_->setSortOrder(row);
             store(*layerSystem_);
         }

@@ -85,7 +85,7 @@ Record SqliteRecordOrder::update(const Position& position, std::span<const Field
     const TableDefinition& table = table_.entry->definition;
     requireRecord(position);
     const std::vector<std::optional<Value>> given = convertedFields(fields);
-    std::string assignments;
+    std::string assignments, equalities;
     std::vector<Value> values;
     for (std::size_t place = 0; place < given.size(); ++place) {
         const FieldDefinition& field = table.fields[place];
@@ -96,19 +96,18 @@ Record SqliteRecordOrder::update(const Position& position, std::span<const Field
                 ErrorCode::readOnly,
                 inText(u"The field '", field.name, u"' is numbered by the database and cannot be changed."));
         values.push_back(*given[place]);
-        assignments +=
-            (assignments.empty() ? "" : ",") + quotedName(field.name) + "=?" + std::to_string(values.size());
+        const std::string parameter = "?" + std::to_string(values.size());
+        assignments += (assignments.empty() ? "" : ",") + quotedName(field.name) + "=" + parameter;
+        equalities += " AND " + quotedName(field.name) + " IS " + parameter + " COLLATE BINARY";
     }
     if (values.empty())
         assignments = shape_.rowColumn + "=" + shape_.rowColumn;
+    const std::string row = " WHERE " + shape_.rowColumn + "=?" + std::to_string(values.size() + 1);
     std::optional<Record> record;
-    change(ChangeKind::update, [&] {
-        Prepared& statement = updates_[assignments];
+    const auto run = [&](const std::string& sql) {
+        Prepared& statement = updates_[sql];
         if (!statement)
-            statement = connection_->prepare(
-                "UPDATE " + table_.sqliteName + " SET " + assignments + " WHERE " + shape_.rowColumn + "=?" +
-                    std::to_string(values.size() + 1) + " RETURNING " + shape_.selected,
-                true);
+            statement = connection_->prepare(sql, true);
         const ResetLater resetLater(statement);
         int place = 0;
         for (const Value& value : values)
@@ -116,6 +115,14 @@ Record SqliteRecordOrder::update(const Position& position, std::span<const Field
         statement.bind(++place, position.row);
         while (statement.step())
             record = recordOf(statement);
+    };
+    change(ChangeKind::update, [&] {
+        // A record that holds the values already is not written. Programs write back whole lists of which
+        // little has changed, and what takes time is to have a write safe on the disk.
+        run("SELECT " + shape_.selected + " FROM " + table_.sqliteName + row + equalities);
+        if (!record)
+            run("UPDATE " + table_.sqliteName + " SET " + assignments + row + " RETURNING " +
+                shape_.selected);
         if (!record)
             throwDeleted();
     });
