@@ -116,13 +116,17 @@ Record SqliteRecordOrder::update(const Position& position, std::span<const Field
         while (statement.step())
             record = recordOf(statement);
     };
-    change(ChangeKind::update, [&] {
-        // A record that holds the values already is not written. Programs write back whole lists of which
-        // little has changed, and what takes time is to have a write safe on the disk.
+    // A record that holds the values already is not written. Programs write back whole lists of which little
+    // has changed, and what takes time is to wait for other writers and to have a write safe on the disk.
+    if (table_.isFile && !connection_->isReadOnly()) {
+        const Transaction transaction(*connection_, Transaction::Kind::read);
+        requireSameDefinition();
         run("SELECT " + shape_.selected + " FROM " + table_.sqliteName + row + equalities);
-        if (!record)
-            run("UPDATE " + table_.sqliteName + " SET " + assignments + row + " RETURNING " +
-                shape_.selected);
+    }
+    if (record)
+        return *record;
+    change(ChangeKind::update, [&] {
+        run("UPDATE " + table_.sqliteName + " SET " + assignments + row + " RETURNING " + shape_.selected);
         if (!record)
             throwDeleted();
     });

@@ -127,6 +127,29 @@ TEST_F(EngineFiles, AnotherUsersLockIsWaitedForAndThenReported) {
     EXPECT_EQ(layers->insert({}).values[0], Value(2));
 }
 
+// Lists that are written back unchanged would wait for another writer once for each row.
+TEST_F(EngineFiles, ARecordThatHoldsTheValuesAlreadyIsNotWritten) {
+    fill(1);
+    auto layers = order(u"Layer");
+    const Record record = *layers->first();
+    const std::vector<FieldValue> same = {{u"sName", Text(u"layer number 1")}, {u"dValue", Null{}}};
+    const std::vector<FieldValue> otherCase = {{u"sName", Text(u"Layer number 1")}};
+    Connection other(path, Connection::Access::readWrite);
+    dynamic_cast<SqliteDatabase&>(*database).setPatience(std::chrono::milliseconds(20));
+    other.execute("BEGIN IMMEDIATE");
+    EXPECT_EQ(layers->update(record.position, same).values, record.values);
+    EXPECT_EQ(errorOf([&] { layers->update(record.position, otherCase); }), 3218);
+    other.execute("COMMIT");
+    EXPECT_EQ(layers->update(record.position, otherCase).values[1], Value(Text(u"Layer number 1")));
+    EXPECT_EQ(layers->first()->values[1], Value(Text(u"Layer number 1")));
+    database = open(OpenMode::readOnly);
+    EXPECT_EQ(errorOf([&] { order(u"Layer")->update(record.position, otherCase); }), 3027);
+    database = open(OpenMode::readWrite);
+    run(u"DELETE FROM LayerKey");
+    run(u"DELETE FROM Layer");
+    EXPECT_EQ(errorOf([&] { order(u"Layer")->update(record.position, otherCase); }), 3167);
+}
+
 TEST_F(EngineFiles, LongChangeTellsWhoMakesIt) {
     fill(1);
     const Text note = path + u"-writer";
