@@ -65,7 +65,7 @@ private:
     void paintSortArrow(const RECT& cell);
     void paintFocus(const RECT& cell);
     void paintText(int row, int column, const RECT& cell, COLORREF color);
-    void paintLines(const RECT& cell, COLORREF color);
+    void paintLines(int firstIndex, int lastIndex);
     Colors colorsOf(int row, int column) const;
     bool isPressed(CGridCtrl::Press::Kind kind, int row, int column) const;
 
@@ -120,6 +120,8 @@ void GridPainter::paintRows(bool fixedColumns) {
         const int row = grid_.rowOfIndex(index);
         paintCells(row, row, fixedColumns);
     }
+    if (!fixedColumns && first <= last)
+        paintLines(first, last);
 }
 
 void GridPainter::paintCells(int firstRow, int lastRow, bool fixedColumns) {
@@ -173,7 +175,6 @@ void GridPainter::paintCell(int row, int column, const RECT& cell) {
     if (const RECT box = grid_.expandBox(row, column, cell); !IsRectEmpty(&box))
         paintExpandBox(static_cast<const CGridTreeCell&>(*grid_.cell(row, column)).isExpanded(), box,
                        colors.text);
-    paintLines(cell, lines_);
     if (grid_.focus_ == GridPosition{row, column}) {
         if (enabled_ && grid_.hasArrow(row, column) && grid_.canEdit(row, column)) {
             RECT arrow = grid_.arrowArea(cell);
@@ -183,9 +184,22 @@ void GridPainter::paintCell(int row, int column, const RECT& cell) {
     }
 }
 
-void GridPainter::paintLines(const RECT& cell, COLORREF color) {
-    fillArea(context_, {cell.left, cell.bottom - 1, cell.right, cell.bottom}, color);
-    fillArea(context_, {cell.right - 1, cell.top, cell.right, cell.bottom}, color);
+// Of the rows that are shown as these, in one stroke each: cell by cell they took longer than the texts.
+void GridPainter::paintLines(int firstIndex, int lastIndex) {
+    const int firstRow = grid_.rowOfIndex(firstIndex), height = grid_.rowHeight();
+    RECT all{};
+    for (int column = grid_.fixedColumnCount(); column < grid_.columnCount(); ++column) {
+        const auto cell = grid_.cellArea(firstRow, column);
+        if (!cell)
+            continue;
+        UnionRect(&all, &all, &*cell);
+        const LONG bottom = cell->top + (lastIndex - firstIndex + 1) * height;
+        fillArea(context_, {cell->right - 1, cell->top, cell->right, bottom}, lines_);
+    }
+    for (int index = firstIndex; index <= lastIndex && !IsRectEmpty(&all); ++index) {
+        const LONG bottom = all.top + (index - firstIndex + 1) * height;
+        fillArea(context_, {all.left, bottom - 1, all.right, bottom}, lines_);
+    }
 }
 
 void GridPainter::paintFocus(const RECT& cell) {
