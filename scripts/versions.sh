@@ -11,7 +11,7 @@ PACKAGES_SCREEN=(
     libxcomposite1 libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxrender1
 )
 PACKAGES_TEST=(
-    admesh googletest librecad-data python3 python3-ezdxf python3-pil xdotool xvfb
+    admesh googletest librecad-data python3 python3-ezdxf python3-pil xdotool xvfb "${PACKAGES_SCREEN[@]}"
 )
 PACKAGES_DEMO=(librecad-data)
 PACKAGES_BENCH=(newlisp)
