@@ -276,17 +276,7 @@ TEST(GridKeyboard, DeleteEmptiesTheSelectedCellsThatMayBeEdited) {
 
 TEST(GridKeyboard, SectionsOpenAndCloseByKeys) {
     GridWindow window;
-    window.grid.setColumnCount(3);
-    window.grid.setRowCount(1);
-    window.grid.setFixedRowCount(1);
-    window.grid.setTreeColumn(0);
-    for (int column = 0; column < 3; ++column)
-        window.grid.setColumnWidth(column, 80);
-    for (const wchar_t* const title : {L"Ducts", L"Pipes"}) {
-        window.grid.addSectionRow(title);
-        window.grid.addTreeRow();
-        window.grid.addTreeRow();
-    }
+    showSections(window.grid);
     const auto isShown = [&](int row) { return window.grid.cellArea(row, 0).has_value(); };
     window.grid.focusCell(1, 0);
     window.press(VK_LEFT);

@@ -304,17 +304,7 @@ TEST(GridView, FewerRowsOrColumnsLeaveNoEmptyViewBehind) {
 
 TEST(GridView, RowsUnderACollapsedSectionHaveNoPlace) {
     GridWindow window;
-    window.grid.setColumnCount(3);
-    window.grid.setRowCount(1);
-    window.grid.setFixedRowCount(1);
-    window.grid.setTreeColumn(0);
-    for (int column = 0; column < 3; ++column)
-        window.grid.setColumnWidth(column, 80);
-    for (const wchar_t* const title : {L"Ducts", L"Pipes"}) {
-        window.grid.addSectionRow(title);
-        window.grid.addTreeRow();
-        window.grid.addTreeRow();
-    }
+    showSections(window.grid);
     window.pump();
     const int height = window.grid.rowHeight();
     EXPECT_EQ(window.grid.cellArea(4, 0)->top, 4 * height);

@@ -307,4 +307,18 @@ INT_PTR GridWindow::notified(LPARAM lParam) {
     return TRUE;
 }
 
+void showSections(CGridCtrl& grid) {
+    grid.setColumnCount(3);
+    grid.setRowCount(1);
+    grid.setFixedRowCount(1);
+    grid.setTreeColumn(0);
+    for (int column = 0; column < 3; ++column)
+        grid.setColumnWidth(column, 80);
+    for (const wchar_t* const title : {L"Ducts", L"Pipes"}) {
+        grid.addSectionRow(title);
+        grid.addTreeRow();
+        grid.addTreeRow();
+    }
+}
+
 }  // namespace tessary::testing

@@ -122,4 +122,7 @@ private:
     static constexpr LPARAM noMove = -1;
 };
 
+// Gives the grid three columns and, below a header, the sections "Ducts" and "Pipes" with two rows each.
+void showSections(CGridCtrl& grid);
+
 }  // namespace tessary::testing
