@@ -5,6 +5,7 @@
 // the library TessaryServer.dll beside it, /UnregServer removes either.
 
 #include "server/com/class_factory.h"
+#include "server/com/kept_interfaces.h"
 #include "server/com/module_file.h"
 #include "server/com/registration.h"
 #include "server/com/server_use.h"
@@ -78,6 +79,7 @@ int serve() {
         return complain(L"COM cannot be started");
     }
     serverUse().watchClients();
+    keepInterfacesOffered();
     {
         const OfferedClasses offered;
         if (FAILED(offered.result())) {
