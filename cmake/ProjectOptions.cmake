@@ -18,6 +18,10 @@ target_compile_definitions(project_options INTERFACE "$<$<CONFIG:Debug>:_GLIBCXX
 
 set(CMAKE_CXX_EXTENSIONS OFF)
 
+# Sections that begin on pages of the file are mapped when a program starts; others, debug information of 200 MB among
+# them, are read.
+add_link_options(-Wl,--file-alignment,0x1000)
+
 # -fpch-preprocess lets the cache see which precompiled header a source used.
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)

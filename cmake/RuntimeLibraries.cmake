@@ -12,6 +12,10 @@ function(copy_runtime_libraries folder)
                 "install the package g++-mingw-w64-x86-64-posix (./tessary setup does it).")
         endif()
         file(REAL_PATH "${path}" path)
-        file(COPY_FILE "${path}" "${folder}/${library}" ONLY_IF_DIFFERENT)
+        if(NOT EXISTS "${folder}/${library}" OR "${path}" IS_NEWER_THAN "${folder}/${library}")
+            # Without its debug information, which every program would read when it starts.
+            execute_process(COMMAND "${CMAKE_STRIP}" --strip-debug -o "${folder}/${library}" "${path}"
+                COMMAND_ERROR_IS_FATAL ANY)
+        endif()
     endforeach()
 endfunction()

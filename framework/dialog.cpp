@@ -157,8 +157,10 @@ INT_PTR Dialog::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_COMMAND: return command(LOWORD(wParam), HIWORD(wParam));
         case WM_NOTIFY: return notify(*reinterpret_cast<const NMHDR*>(lParam));
         case WM_SIZE:
-            if (wParam != SIZE_MINIMIZED)
+            if (wParam != SIZE_MINIMIZED) {
                 anchors_.apply();
+                onResized();
+            }
             return FALSE;
         case WM_GETMINMAXINFO:  // counts more than the largest size, that of the screen
             reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {templateSize_.cx, templateSize_.cy};

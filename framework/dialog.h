@@ -52,6 +52,8 @@ protected:
     virtual bool onInitDialog() { return true; }
     virtual void onOK() { end(IDOK); }
     virtual void onCancel() { end(IDCANCEL); }
+    // The dialog has another size, and its controls have their places in it.
+    virtual void onResized() {}
     // result: what DoModal returns.
     void end(std::intptr_t result);
     // All messages of the dialog. TRUE: handled; a result of the message is set with DWLP_MSGRESULT.

@@ -5,6 +5,7 @@
 #include "module/grid/grid_text_widths.h"
 
 #include <algorithm>
+#include <map>
 
 namespace tessary {
 
@@ -61,6 +62,7 @@ private:
     void paintCell(int row, int column, const RECT& cell);
     void paintHeader(int row, int column, const RECT& cell);
     void paintCheckBox(int row, int column, const RECT& cell, Colors colors);
+    HDC checkBoxPicture(UINT state, int size);
     void paintExpandBox(bool expanded, const RECT& box, COLORREF color);
     void paintSortArrow(const RECT& cell);
     void paintFocus(const RECT& cell);
@@ -74,6 +76,7 @@ private:
     bool enabled_, active_;  // active: the grid or one of its editors has the keyboard
     RECT clip_{};            // of what is being painted now
     COLORREF window_, lines_;
+    std::map<UINT, framework::MemoryContext> checkBoxes_;  // by state, of one size
 };
 
 GridPainter::GridPainter(const CGridCtrl& grid, HDC context) : grid_(grid), context_(context) {
@@ -246,6 +249,18 @@ void GridPainter::paintSortArrow(const RECT& cell) {
     }
 }
 
+// Drawing a box takes longer than all texts of a row, so those of the same state are drawn once.
+HDC GridPainter::checkBoxPicture(UINT state, int size) {
+    const auto [picture, added] = checkBoxes_.try_emplace(state, context_, size, size);
+    const HDC context = picture->second.get();
+    if (added) {
+        RECT box{0, 0, size, size};
+        fillArea(context, box, window_);
+        DrawFrameControl(context, &box, DFC_BUTTON, state);
+    }
+    return context;
+}
+
 void GridPainter::paintCheckBox(int row, int column, const RECT& cell, Colors colors) {
     const auto& button = static_cast<const CGridBtnCell&>(*grid_.cell(row, column));
     const int size = std::min(13, static_cast<int>(cell.bottom - cell.top) - 3);
@@ -263,7 +278,7 @@ void GridPainter::paintCheckBox(int row, int column, const RECT& cell, Colors co
         state |= DFCS_INACTIVE;
     const int saved = SaveDC(context_);
     IntersectClipRect(context_, cell.left, cell.top, cell.right - 1, cell.bottom - 1);
-    DrawFrameControl(context_, &box, DFC_BUTTON, state);
+    BitBlt(context_, box.left, box.top, size, size, checkBoxPicture(state, size), 0, 0, SRCCOPY);
     if (state & DFCS_PUSHED)
         drawFrame(context_, shrunk(box, -1), colors.text);
     RestoreDC(context_, saved);

@@ -149,12 +149,8 @@ void CLayerCustomization::setUpGrids() {
     layers_.setColumnChoicesFromText(LayerColumn::lineweight, lineweightChoices);
 }
 
-INT_PTR CLayerCustomization::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    const INT_PTR handled = AcEdDialog::handleMessage(message, wParam, lParam);
-    if (message == WM_SIZE) {
-        fitLastColumn(keys_);
-    }
-    return handled;
+void CLayerCustomization::onResized() {
+    fitLastColumn(keys_);
 }
 
 void CLayerCustomization::onOK() {

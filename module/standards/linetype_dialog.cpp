@@ -86,12 +86,8 @@ void CAcadLinetypeDialog::fill() {
     grid_.ensureVisible(grid_.focusedRow(), nameColumn);
 }
 
-INT_PTR CAcadLinetypeDialog::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    const INT_PTR handled = AcEdDialog::handleMessage(message, wParam, lParam);
-    if (message == WM_SIZE) {
-        fitLastColumn(grid_);
-    }
-    return handled;
+void CAcadLinetypeDialog::onResized() {
+    fitLastColumn(grid_);
 }
 
 void CAcadLinetypeDialog::onOK() {

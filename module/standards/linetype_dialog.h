@@ -20,7 +20,7 @@ public:
 protected:
     bool onInitDialog() override;
     void onOK() override;
-    INT_PTR handleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void onResized() override;
 
 private:
     void fill();

@@ -33,11 +33,9 @@ private:
 
 void keepInterfacesOffered() {
     static Placeholder placeholders[] = {
-        Placeholder(IID_IClassFactory),
-        Placeholder(IID_IDispatch),
-        Placeholder(IID_ISupportErrorInfo),
-        Placeholder(__uuidof(DatabaseService)),
-        Placeholder(__uuidof(DatabaseConnection)),
+        Placeholder(IID_IClassFactory),         Placeholder(IID_IDispatch),
+        Placeholder(IID_ISupportErrorInfo),     Placeholder(IID_ITypeInfo),
+        Placeholder(__uuidof(DatabaseService)), Placeholder(__uuidof(DatabaseConnection)),
     };
     for (Placeholder& placeholder : placeholders) {
         // A reference in a table counts until somebody takes it out of the stream, which nobody does.
