@@ -61,8 +61,22 @@ struct PixelBitmap {
     std::uint32_t* bits = nullptr;
 };
 
+// The next painting draws the frame, which scroll bars are part of: a window may have left that for when
+// there is time.
+BOOL CALLBACK invalidateFrame(HWND window, LPARAM) {
+    RECT place = placeOf(window), client{};
+    MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+    GetClientRect(window, &client);
+    const Region frame(CreateRectRgnIndirect(&place)), inside(CreateRectRgnIndirect(&client));
+    CombineRgn(frame.get(), frame.get(), inside.get(), RGN_DIFF);
+    RedrawWindow(window, nullptr, frame.get(), RDW_INVALIDATE | RDW_FRAME | RDW_NOCHILDREN);
+    return TRUE;
+}
+
 // Copies the window, its frame included, to where it lies in a picture whose top left corner is `origin`.
 void copyWindow(HWND window, HDC target, POINT origin) {
+    invalidateFrame(window, 0);
+    EnumChildWindows(window, invalidateFrame, 0);
     RedrawWindow(window, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW | RDW_ERASENOW);
     const RECT place = placeOf(window);
     const SIZE size = sizeOf(place);

@@ -131,6 +131,14 @@ LRESULT CGridCtrl::onSize(WPARAM wParam, LPARAM lParam) {
     return defaultHandling(WM_SIZE, wParam, lParam);
 }
 
+LRESULT CGridCtrl::onTimer(WPARAM wParam, LPARAM lParam) {
+    switch (wParam) {
+        case dragTimer: scrollForDrag(); return 0;
+        case thumbTimer: drawScrollBars(); return 0;
+        default: return defaultHandling(WM_TIMER, wParam, lParam);
+    }
+}
+
 LRESULT CGridCtrl::onSetFont(WPARAM wParam, LPARAM lParam) {
     const LRESULT result = defaultHandling(WM_SETFONT, wParam, lParam);
     fontChanged();

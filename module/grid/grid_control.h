@@ -224,6 +224,7 @@ private:
     void settleLayout();
     bool fitsWithoutScrollBars() const;
     void setScrollBar(int bar, int end, int page, int position);
+    void drawScrollBars();
     LRESULT onScrollBar(int bar, WPARAM wParam);
     LRESULT onVerticalScroll(WPARAM wParam, LPARAM lParam);
     LRESULT onHorizontalScroll(WPARAM wParam, LPARAM lParam);
@@ -274,7 +275,8 @@ private:
     LRESULT onMouseMove(WPARAM wParam, LPARAM lParam);
     LRESULT onButtonUp(WPARAM wParam, LPARAM lParam);
     LRESULT onCaptureChanged(WPARAM wParam, LPARAM lParam);
-    LRESULT onTimer(WPARAM wParam, LPARAM lParam);
+    // Goes on scrolling while the mouse is held outside.
+    void scrollForDrag();
     LRESULT onSetCursor(WPARAM wParam, LPARAM lParam);
 
     // ---- The keyboard (grid_keyboard.cpp)
@@ -291,7 +293,9 @@ private:
     LRESULT onPaint(WPARAM wParam, LPARAM lParam);
     LRESULT onPrintClient(WPARAM wParam, LPARAM lParam);
     LRESULT onEraseBackground(WPARAM wParam, LPARAM lParam);
+    enum Timer : UINT_PTR { dragTimer = 1, thumbTimer };
     LRESULT onSize(WPARAM wParam, LPARAM lParam);
+    LRESULT onTimer(WPARAM wParam, LPARAM lParam);
     LRESULT onSetFont(WPARAM wParam, LPARAM lParam);
     LRESULT onLooksChanged(WPARAM wParam, LPARAM lParam);
     LRESULT onGetObject(WPARAM wParam, LPARAM lParam);

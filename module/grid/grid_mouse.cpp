@@ -12,9 +12,8 @@ namespace tessary {
 
 namespace {
 
-constexpr int edgeReach = 4;       // pixels on both sides of a column's edge
-constexpr int smallestColumn = 4;  // pixels: a width of 0 would hide the column for good
-constexpr UINT_PTR scrollTimer = 1;
+constexpr int edgeReach = 4;         // pixels on both sides of a column's edge
+constexpr int smallestColumn = 4;    // pixels: a width of 0 would hide the column for good
 constexpr UINT scrollInterval = 50;  // milliseconds, while the mouse is held outside
 
 POINT pointOf(LPARAM lParam) {
@@ -70,7 +69,7 @@ void CGridCtrl::cancelPress() {
     const Press press = std::exchange(press_, {});
     if (press.kind == Press::Kind::none || !handle())
         return;
-    KillTimer(handle(), scrollTimer);
+    KillTimer(handle(), dragTimer);
     if (press.kind == Press::Kind::columnEdge)
         setColumnWidth(press.cell.column, press.startWidth);
     if (GetCapture() == handle())
@@ -210,20 +209,18 @@ LRESULT CGridCtrl::onMouseMove(WPARAM wParam, LPARAM lParam) {
         const RECT area = dataArea();
         // Outside, the timer goes on scrolling without any movement of the mouse.
         if (PtInRect(&area, at))
-            KillTimer(handle(), scrollTimer);
+            KillTimer(handle(), dragTimer);
         else
-            SetTimer(handle(), scrollTimer, scrollInterval, nullptr);
+            SetTimer(handle(), dragTimer, scrollInterval, nullptr);
         extendPress(at);
     }
     return 0;
 }
 
-LRESULT CGridCtrl::onTimer(WPARAM wParam, LPARAM lParam) {
-    if (wParam != scrollTimer)
-        return defaultHandling(WM_TIMER, wParam, lParam);
+void CGridCtrl::scrollForDrag() {
     if (press_.kind != Press::Kind::cells) {
-        KillTimer(handle(), scrollTimer);
-        return 0;
+        KillTimer(handle(), dragTimer);
+        return;
     }
     const RECT area = dataArea();
     const POINT at = press_.last;
@@ -239,7 +236,6 @@ LRESULT CGridCtrl::onTimer(WPARAM wParam, LPARAM lParam) {
     scrollBy(step(at.x, area.left, area.right), step(at.y, area.top, area.bottom));
     if (!life.expired() && press_.kind == Press::Kind::cells)
         extendPress(at);
-    return 0;
 }
 
 LRESULT CGridCtrl::onButtonUp(WPARAM, LPARAM lParam) {
@@ -247,7 +243,7 @@ LRESULT CGridCtrl::onButtonUp(WPARAM, LPARAM lParam) {
     const Press press = std::exchange(press_, {});
     if (press.kind == Press::Kind::none)
         return 0;
-    KillTimer(handle(), scrollTimer);
+    KillTimer(handle(), dragTimer);
     if (GetCapture() == handle())
         ReleaseCapture();
     refresh();

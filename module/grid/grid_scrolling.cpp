@@ -44,7 +44,8 @@ void CGridCtrl::setScrollBar(int bar, int end, int page, int position) {
     // A bar without a range is hidden by the system.
     const int range = end > 0 ? end + std::max(page, 1) - 1 : 0;
     const UINT shownPage = end > 0 ? static_cast<UINT>(std::max(page, 1)) : 1;
-    if (now.nMin == 0 && now.nMax == range && now.nPage == shownPage && now.nPos == position)
+    const bool onlyMoves = now.nMin == 0 && now.nMax == range && now.nPage == shownPage;
+    if (onlyMoves && now.nPos == position)
         return;
     SCROLLINFO wanted{};
     wanted.cbSize = sizeof wanted;
@@ -52,7 +53,24 @@ void CGridCtrl::setScrollBar(int bar, int end, int page, int position) {
     wanted.nMax = range;
     wanted.nPage = shownPage;
     wanted.nPos = position;
-    SetScrollInfo(handle(), bar, &wanted, TRUE);
+    SetScrollInfo(handle(), bar, &wanted, !onlyMoves);
+    // Drawing a bar may take longer than the rows: they are seen first, and after several steps it is drawn
+    // once.
+    if (onlyMoves)
+        SetTimer(handle(), thumbTimer, USER_TIMER_MINIMUM, nullptr);
+}
+
+void CGridCtrl::drawScrollBars() {
+    KillTimer(handle(), thumbTimer);
+    for (const LONG bar : {OBJID_VSCROLL, OBJID_HSCROLL}) {
+        SCROLLBARINFO info{};
+        info.cbSize = sizeof info;
+        if (!GetScrollBarInfo(handle(), bar, &info) || (info.rgstate[0] & STATE_SYSTEM_INVISIBLE))
+            continue;
+        RECT area = info.rcScrollBar;
+        MapWindowPoints(nullptr, handle(), reinterpret_cast<POINT*>(&area), 2);
+        RedrawWindow(handle(), &area, nullptr, RDW_INVALIDATE | RDW_FRAME);
+    }
 }
 
 bool CGridCtrl::fitsWithoutScrollBars() const {

@@ -233,6 +233,36 @@ TEST(GridView, AHundredThousandRowsScrollToTheLastByThumbWheelAndProgram) {
     EXPECT_EQ(window.takeEvents().size(), 0u) << "scrolling moves no focus";
 }
 
+// What stands on the screen in the vertical scroll bar's place.
+std::vector<COLORREF> scrollBarPixels(const GridWindow& window) {
+    SCROLLBARINFO info{};
+    info.cbSize = sizeof info;
+    GetScrollBarInfo(window.grid.handle(), OBJID_VSCROLL, &info);
+    RECT place{};
+    GetWindowRect(window.grid.handle(), &place);
+    const framework::WindowContext context(window.grid.handle());
+    std::vector<COLORREF> pixels;
+    const LONG x = (info.rcScrollBar.left + info.rcScrollBar.right) / 2 - place.left;
+    for (LONG y = info.rcScrollBar.top; y < info.rcScrollBar.bottom; ++y)
+        pixels.push_back(GetPixel(context.get(), x, y - place.top));
+    return pixels;
+}
+
+TEST(GridView, TheThumbIsDrawnAfterTheRows) {
+    GridWindow window({300, 200});
+    window.fill(1000, 1);
+    window.pump();
+    const std::vector<COLORREF> top = scrollBarPixels(window);
+    window.grid.scrollToTop(500);
+    window.grid.scrollToTop(900);
+    UpdateWindow(window.grid.handle());
+    EXPECT_EQ(scrollBarPixels(window), top) << "the rows are there, and waited for nothing";
+    EXPECT_TRUE(window.pumpUntil([&] { return scrollBarPixels(window) != top; }, 2000));
+    const std::vector<COLORREF> drawn = scrollBarPixels(window);
+    RedrawWindow(window.grid.handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
+    EXPECT_EQ(scrollBarPixels(window), drawn);
+}
+
 TEST(GridView, ScrollBarButtonsMoveByLinesAndPages) {
     GridWindow window({300, 200});
     window.fill(200, 8);
