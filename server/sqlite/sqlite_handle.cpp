@@ -231,6 +231,22 @@ bool Prepared::wasPreparedAgain() {
     return sqlite3_stmt_status(handle_.get(), SQLITE_STMTSTATUS_REPREPARE, 1) != 0;
 }
 
+bool LockWait::waitOn(int tries) {
+    constexpr int longestStep = 50;
+    const Clock::time_point now = Clock::now();
+    if (tries == 0) {
+        const bool follows = lastInVain_ && now - *lastInVain_ < followingTime;
+        end_ = now + (follows ? patience_ / 20 : patience_);
+    }
+    if (now >= end_) {
+        lastInVain_ = now;
+        return false;
+    }
+    // Short steps at first: most locks last for milliseconds.
+    sqlite3_sleep(std::min(longestStep, 1 << std::min(tries, 6)));
+    return true;
+}
+
 namespace {
 
 int openFlags(Connection::Access access) {
@@ -252,7 +268,9 @@ Connection::Connection(TextView path, Access access) : path_(path) {
         throwSqliteError(connection, result);
     sqlite3_extended_result_codes(connection, 1);
     registerFunctions(connection);
-    setPatience(usualPatience);
+    sqlite3_busy_handler(
+        connection, [](void* wait, int tries) -> int { return static_cast<LockWait*>(wait)->waitOn(tries); },
+        lockWait_.get());
     // Statements come from drafters: what a statement may name is checked above, but a damaged file must not
     // run anything either.
     sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
@@ -278,10 +296,6 @@ void Connection::runKept(Prepared& kept, const char* sql) {
     if (!kept)
         kept = prepare(sql, true);
     kept.run();
-}
-
-void Connection::setPatience(std::chrono::milliseconds patience) {
-    sqlite3_busy_timeout(handle(), static_cast<int>(patience.count()));
 }
 
 Transaction::Transaction(Connection& connection, Kind kind)

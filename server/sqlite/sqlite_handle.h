@@ -66,11 +66,29 @@ private:
     Prepared& statement_;
 };
 
+// How the operations of a connection wait for another user's lock. Those that follow at once on a wait in
+// vain give up after a twentieth of the time: a program that saves many records would stand still for
+// minutes.
+class LockWait {
+public:
+    static constexpr std::chrono::milliseconds usualPatience{5000};
+    // What begins so soon after a wait in vain follows on it.
+    static constexpr std::chrono::milliseconds followingTime{2000};
+
+    void setPatience(std::chrono::milliseconds patience) { patience_ = patience; }
+    // tries: how often the operation has waited before. Waits a little; false when it is to give up.
+    bool waitOn(int tries);
+
+private:
+    using Clock = std::chrono::steady_clock;
+    std::chrono::milliseconds patience_ = usualPatience;
+    Clock::time_point end_;  // of the present wait
+    std::optional<Clock::time_point> lastInVain_;
+};
+
 class Connection {
 public:
     enum class Access { readOnly, readWrite, create };
-    // How long an operation waits for another user's lock.
-    static constexpr std::chrono::milliseconds usualPatience{5000};
 
     // Opens, registers the dialect's functions and sets what every connection needs. Nothing is read yet.
     Connection(TextView path, Access access);
@@ -86,7 +104,7 @@ public:
     bool isReadOnly(const char* schema = "main") const { return sqlite3_db_readonly(handle(), schema) != 0; }
     bool inTransaction() const { return sqlite3_get_autocommit(handle()) == 0; }
 
-    void setPatience(std::chrono::milliseconds patience);
+    void setPatience(std::chrono::milliseconds patience) { lockWait_->setPatience(patience); }
     // How long a change lasts before others are told who makes it.
     void setNoteDelay(std::chrono::milliseconds delay) { noteDelay_ = delay; }
 
@@ -98,6 +116,7 @@ private:
         void operator()(sqlite3* connection) const { sqlite3_close_v2(connection); }
     };
     Text path_;
+    std::unique_ptr<LockWait> lockWait_ = std::make_unique<LockWait>();  // known to the handle by its address
     std::unique_ptr<sqlite3, Close> handle_;
     Prepared beginRead_, beginWrite_, commit_;
     WriterNote note_;

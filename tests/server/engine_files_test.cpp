@@ -127,6 +127,27 @@ TEST_F(EngineFiles, AnotherUsersLockIsWaitedForAndThenReported) {
     EXPECT_EQ(layers->insert({}).values[0], Value(2));
 }
 
+// Saving many records into a locked file would stand still for minutes.
+TEST_F(EngineFiles, AfterAWaitInVainTheNextOnesAreShort) {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds patience(400);
+    fill(1);
+    auto layers = order(u"Layer");
+    dynamic_cast<SqliteDatabase&>(*database).setPatience(patience);
+    Connection other(path, Connection::Access::readWrite);
+    other.execute("BEGIN IMMEDIATE");
+    const Clock::time_point start = Clock::now();
+    EXPECT_EQ(errorOf([&] { layers->insert({}); }), 3218);
+    const Clock::time_point first = Clock::now();
+    for (int time = 0; time < 5; ++time)
+        EXPECT_EQ(errorOf([&] { layers->insert({}); }), 3218);
+    const Clock::time_point all = Clock::now();
+    EXPECT_GE(first - start, patience);
+    EXPECT_LT(all - first, 5 * patience / 2);
+    other.execute("COMMIT");
+    EXPECT_EQ(layers->insert({}).values[0], Value(2));
+}
+
 // Lists that are written back unchanged would wait for another writer once for each row.
 TEST_F(EngineFiles, ARecordThatHoldsTheValuesAlreadyIsNotWritten) {
     fill(1);
