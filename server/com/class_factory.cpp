@@ -1,6 +1,7 @@
 #include "server/com/class_factory.h"
 
 #include "server/com/connection_object.h"
+#include "server/com/lasting_object.h"
 #include "server/com/service_object.h"
 
 #include <array>
@@ -39,19 +40,10 @@ constexpr ServerClass classes[] = {
      createConnection},
 };
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public LastingObject<IClassFactory> {
 public:
-    explicit ClassFactory(const ServerClass& serverClass) : class_(serverClass) {}
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-        if (!object) {
-            return E_POINTER;
-        }
-        *object = id == IID_IUnknown || id == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
-        return *object ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    explicit ClassFactory(const ServerClass& serverClass)
+        : LastingObject(IID_IClassFactory), class_(serverClass) {}
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** object) override {
         if (!object) {

@@ -1,5 +1,7 @@
 #include "server/com/kept_interfaces.h"
 
+#include "server/com/lasting_object.h"
+
 #include <wrl/client.h>
 
 #include <tessary_server.h>
@@ -8,26 +10,8 @@ namespace tessary::server {
 
 namespace {
 
-// Claims to have the interface and is never called: nobody gets the reference to it.
-class Placeholder final : public IUnknown {
-public:
-    explicit Placeholder(REFIID interfaceId) : interfaceId_(interfaceId) {}
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-        if (!object) {
-            return E_POINTER;
-        }
-        *object = id == IID_IUnknown || id == interfaceId_ ? this : nullptr;
-        return *object ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-
-    REFIID interfaceId() const { return interfaceId_; }
-
-private:
-    IID interfaceId_;
-};
+// Claims to have an interface and is never called: nobody gets the reference to it.
+using Placeholder = LastingObject<IUnknown>;
 
 }  // namespace
 
