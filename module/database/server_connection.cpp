@@ -14,9 +14,10 @@ constexpr const wchar_t* repairStatus = L"*REPAIR*";
 constexpr long noCurrentRecord = 3021;
 constexpr long diskOrNetworkError = 3043;
 
-// What the system says when the server that it finds is just ending for want of use.
+// What the system says when the server that it finds is just ending for want of use. E_FAIL is Wine's word
+// for a class that was withdrawn between its being found and asked for.
 bool isEndingServer(HRESULT result) {
-    return result == CO_E_SERVER_STOPPING || result == REGDB_E_CLASSNOTREG ||
+    return result == CO_E_SERVER_STOPPING || result == REGDB_E_CLASSNOTREG || result == E_FAIL ||
            result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE);
 }
 
